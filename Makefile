@@ -1,0 +1,41 @@
+# The entry points of the project. Every target first installs whatever packages are missing.
+.PHONY: setup demo test bench sanitize tsan fuzz clean
+
+CMAKE_BUILD = flock /tmp/orvane-build.lock cmake --build
+
+setup:
+	@scripts/setup
+
+demo: setup
+	cmake --preset default >/dev/null
+	$(CMAKE_BUILD) --preset default --target demo
+	./build/default/examples/demo
+
+test: setup
+	cmake --preset default
+	$(CMAKE_BUILD) --preset default
+	ctest --preset default
+
+bench: setup
+	cmake --preset release
+	$(CMAKE_BUILD) --preset release
+	scripts/run-benchmarks build/release/bench
+
+sanitize: setup
+	cmake --preset sanitize
+	$(CMAKE_BUILD) --preset sanitize
+	ctest --preset sanitize
+
+tsan: setup
+	cmake --preset tsan
+	$(CMAKE_BUILD) --preset tsan
+	ctest --preset tsan
+
+fuzz:
+	@scripts/setup --fuzz
+	cmake --preset fuzz
+	$(CMAKE_BUILD) --preset fuzz
+	scripts/run-fuzzers build/fuzz/fuzz
+
+clean:
+	rm -rf build

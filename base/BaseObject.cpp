@@ -1,0 +1,7 @@
+#include "base/BaseObject.h"
+
+namespace Orvane {
+
+std::uint32_t BaseObject::_objCount = 0;
+
+} // namespace Orvane
