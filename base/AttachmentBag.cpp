@@ -8,7 +8,10 @@ int AttachmentBag::_nextID = 0;
 
 AttachmentBag::~AttachmentBag()
 {
-    delAllAttachment();
+    // An attachment's shutdown may ask this bag for an attachment, which makes a fresh map:
+    // repeat until none is left so that it does not leak.
+    while (_attachments)
+        delAllAttachment();
 }
 
 AttachmentBag::AttachmentMap& AttachmentBag::attMap()

@@ -80,14 +80,17 @@ private:
 // "base/Node" from ".../base/Node.cpp": the source path a message's header names.
 consteval std::string_view logSourcePath(std::string_view file)
 {
+    // The last of these folders in the path wins, so that a checkout under some ".../base/..."
+    // directory does not hide the project's own folder.
+    std::string_view::size_type cut = std::string_view::npos;
     for (std::string_view dir : {std::string_view("/base/"), std::string_view("/platform/"),
                                  std::string_view("/tests/"), std::string_view("/examples/")}) {
         auto at = file.rfind(dir);
-        if (at != std::string_view::npos) {
-            file.remove_prefix(at + 1);
-            break;
-        }
+        if (at != std::string_view::npos && (cut == std::string_view::npos || at > cut))
+            cut = at;
     }
+    if (cut != std::string_view::npos)
+        file.remove_prefix(cut + 1);
     auto dot = file.rfind('.');
     return dot == std::string_view::npos ? file : file.substr(0, dot);
 }

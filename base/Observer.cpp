@@ -34,7 +34,8 @@ void Observer::setSubject(Subject* subject)
         return;
     if (_subject)
         _subject->detach(*this);
-    _subject = subject;
+    // attach() records the subject itself; storing it first would make attach() think the
+    // observer is already in its list.
     if (subject)
         subject->attach(*this);
 }

@@ -54,11 +54,16 @@ void Subject::notify(const double& time, BaseObject* a, BaseObject* b, BaseObjec
 
 void Subject::notifyObserver(const double& time, BaseObject* a, BaseObject* b, BaseObject* c)
 {
-    // Walk by index: a callback may attach or detach observers while we notify.
-    for (std::size_t i = 0; i < _observers->size(); ++i) {
+    // Walk by index: a callback may attach or detach observers while we notify. Step on only
+    // if the observer just notified is still in its place; otherwise the next one has moved
+    // into this slot and must not be skipped.
+    std::size_t i = 0;
+    while (i < _observers->size()) {
         Observer* observer = (*_observers)[i];
         if (observer->enabled())
             observer->notifyAll(time, a, b, c);
+        if (i < _observers->size() && (*_observers)[i] == observer)
+            ++i;
     }
 }
 
