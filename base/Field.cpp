@@ -1,0 +1,293 @@
+#include "base/Field.h"
+
+#include "base/Log.h"
+#include "base/Node.h"
+#include "base/NodePartDesc.h"
+#include "base/NodeType.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace Orvane {
+
+namespace {
+
+const char* stateName(NodeState state)
+{
+    static const char* const names[] = {"Creation", "Setup", "Realize", "Live", "Dispose"};
+    return state >= Creation && state <= Dispose ? names[state] : "Invalid";
+}
+
+} // namespace
+
+const std::string Field::_typeName = "Field";
+
+Field::~Field()
+{
+    delete _listeners;
+}
+
+const std::string& Field::typeName() const
+{
+    return _typeName;
+}
+
+unsigned int Field::getBinSize()
+{
+    ORV_FATAL("%s getBinSize not Impl\n", ("base/" + dataTypeName()).c_str());
+    return 0;
+}
+
+std::string Field::getBinValue(int)
+{
+    return std::string();
+}
+
+unsigned int Field::getBinValue(unsigned char*)
+{
+    ORV_FATAL("%s getBinValue not Impl\n", ("base/" + dataTypeName()).c_str());
+    return 0;
+}
+
+void Field::setValueByBin(const std::string&) {}
+
+std::string Field::get1ValueAsBin(int)
+{
+    return std::string();
+}
+
+void Field::set1ValueByBin(int, const std::string&) {}
+
+void Field::setValueByBin(unsigned char*, unsigned int)
+{
+    ORV_FATAL("%s setValueByBin not Impl\n", ("base/" + dataTypeName()).c_str());
+}
+
+bool Field::setAndValidateValueByStr(const char* text, bool)
+{
+    setValueByStr(text);
+    return true;
+}
+
+bool Field::setValueByField(const Field& from, ConvertParam* param)
+{
+    return assign(*this, from, param);
+}
+
+void Field::binaryNotImplemented(const char* operation) const
+{
+    ORV_WARNING("%s::%s() is not imp\n", dataTypeName().c_str(), operation);
+}
+
+// --- setters with change processing ---
+
+void Field::setValueByStr(const double& time, const char* text)
+{
+    setValueByStr(text);
+    processValueChange(time, FieldCaller);
+}
+
+bool Field::setAndValidateValueByStr(const double& time, const char* text, bool flag)
+{
+    bool valid = setAndValidateValueByStr(text, flag);
+    processValueChange(time, FieldCaller);
+    return valid;
+}
+
+void Field::setValueByBin(const double& time, const std::string& data)
+{
+    setValueByBin(data);
+    processValueChange(time, FieldCaller);
+}
+
+void Field::setValueByBin(const double& time, unsigned char* data, unsigned int size)
+{
+    setValueByBin(data, size);
+    processValueChange(time, FieldCaller);
+}
+
+bool Field::setValueByField(const double& time, const Field& from, ConvertParam* param)
+{
+    if (!setValueByField(from, param))
+        return false;
+    processValueChange(time, FieldCaller);
+    return true;
+}
+
+void Field::setDefaultValue(const double&)
+{
+    if (_desc && !_desc->defaultValue().empty())
+        setValueByStr(_desc->defaultValue().c_str());
+}
+
+// --- state queries ---
+
+bool Field::valueIsDefault() const
+{
+    if (!_desc)
+        return true;
+    const std::string& text = _desc->defaultValue();
+    if (text.empty()) {
+        if (cardinality() == Multi && size() == 0)
+            return true;
+        // A node field without default is at its default while its link is empty.
+        if (dataType() == SFNodeType)
+            return strValue().empty();
+        return false;
+    }
+    std::unique_ptr<Field> reference(FieldType::create(dataType(), *_owner));
+    if (!reference)
+        return false;
+    reference->setValueByStr(text.c_str());
+    return reference->equalValue(*this);
+}
+
+bool Field::changed() const
+{
+    return _desc && _owner->checkChangedMask(_desc->mask());
+}
+
+std::string Field::strValue() const
+{
+    std::string text;
+    getStrValue(text);
+    return text;
+}
+
+// --- change processing ---
+
+void Field::markChanged()
+{
+    if (!_desc) {
+        ORV_INFO("Field without desc in XField::markChanged()\n");
+        return;
+    }
+    if (!_owner->hasFlag(Node::MarkedFlag)) {
+        _owner->markParent(1);
+        _owner->setFlag(Node::MarkedFlag);
+    }
+    _owner->markChanged(_desc->mask());
+}
+
+void Field::processValueChange(const double& time, CallerType callerType)
+{
+    if (!_desc)
+        return;
+    Node& node = *_owner;
+    if (node.checkLogFeature(LogFieldValueChanged))
+        ORV_PLOG("%s/%s.%s: processValueChange()\n", node.type().name().c_str(), node.getIDStr().c_str(),
+                 _desc->name().c_str());
+    if (node.checkIsChangingMask(_desc->mask()) && _desc->autoProcess())
+        ORV_WARNING("%s/%s.%s: processValueChange() && _isChangingMask set\n", node.type().name().c_str(),
+                    node.getIDStr().c_str(), _desc->name().c_str());
+
+    if (!node.isLive()) {
+        markChanged();
+        send(0.0, true, true);
+        return;
+    }
+    switch (_desc->partType()) {
+    case FieldPartType:
+    case EventOutPartType:
+        markChanged();
+        send(time, true, false);
+        break;
+    case EventInPartType:
+        markChanged();
+        if (receive(time))
+            send(time, true, false);
+        break;
+    case ExposedFieldPartType:
+        markChanged();
+        if (receive(time) && (_desc->autoProcess() || callerType == SendCaller))
+            send(time, true, false);
+        break;
+    default:
+        break;
+    }
+}
+
+bool Field::receive(const double& time)
+{
+    Node& node = *_owner;
+    if (node.checkLogFeature(LogEventIn))
+        ORV_PLOG("%s/%s Field Receive on %s: %f/%s\n", node.type().name().c_str(), node.getIDStr().c_str(),
+                 nameOrNoName(), time, strValue().c_str());
+    // The node's own reaction may drop the last other reference to it.
+    node.addRef();
+    bool result = node.fieldChanged(*this, time, nullptr);
+    if (node.refCount() == 1)
+        ORV_PLOG("SubRef to zero in Field::receive()\n");
+    node.subRef();
+    return result;
+}
+
+void Field::send(const double& time, bool, bool)
+{
+    callListeners(time);
+}
+
+// --- listeners ---
+
+void Field::addListener(Listener* listener)
+{
+    if (!_listeners)
+        _listeners = new std::vector<Listener*>;
+    _listeners->push_back(listener);
+}
+
+void Field::removeListener(Listener* listener)
+{
+    if (!_listeners)
+        return;
+    auto found = std::find(_listeners->begin(), _listeners->end(), listener);
+    if (found != _listeners->end())
+        _listeners->erase(found);
+}
+
+void Field::callListeners(const double& time)
+{
+    if (!_listeners)
+        return;
+    // By index: a listener may add or remove listeners.
+    for (std::size_t i = 0; i < _listeners->size(); ++i)
+        (*_listeners)[i]->fieldChanged(time, *this);
+}
+
+// --- text helpers ---
+
+int Field::splitAndAddValues(const char* text, const char* separators)
+{
+    if (!text)
+        return 0;
+    int count = 0;
+    const char* p = text;
+    while (*p) {
+        while (*p && std::strchr(separators, *p))
+            ++p;
+        if (!*p)
+            break;
+        addValueByStr(p, Single);
+        ++count;
+        while (*p && !std::strchr(separators, *p))
+            ++p;
+    }
+    return count;
+}
+
+void Field::dump(bool withOwner) const
+{
+    ORV_PLOG("FieldDump: %s, dataType %s, value: %s\n", nameOrNoName(), dataTypeName().c_str(), strValue().c_str());
+    if (withOwner)
+        ORV_PLOG(" Node: %s, %s, %s\n", _owner->type().name().c_str(), _owner->getIDStr().c_str(),
+                 stateName(_owner->state()));
+}
+
+bool Field::assign(Field& to, const Field& from, ConvertParam*)
+{
+    ORV_WARNING("%s to %s not implementet\n", from.dataTypeName().c_str(), to.dataTypeName().c_str());
+    return false;
+}
+
+} // namespace Orvane

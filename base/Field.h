@@ -1,0 +1,102 @@
+#ifndef ORVANE_BASE_FIELD_H
+#define ORVANE_BASE_FIELD_H
+
+#include "base/NodePart.h"
+
+#include <string>
+#include <vector>
+
+namespace Orvane {
+
+class ConvertParam;
+
+// One typed value slot of a node. Every change of value ends in processValueChange, which marks
+// the owner changed, lets it react, and sends the value on.
+class ORVANE_API Field : public NodePart {
+public:
+    enum Cardinality { Single = 0, Multi = 1 };
+    // FieldCaller: a change through the field's own setters; SendCaller: forward the change to the
+    // out-slot even when the descriptor does not ask for it.
+    enum CallerType { FieldCaller = 0, SendCaller = 1 };
+
+    class ORVANE_API Listener {
+    public:
+        virtual ~Listener() = default;
+        virtual void fieldChanged(const double& time, Field& field) = 0;
+    };
+
+    explicit Field(Node& owner) : NodePart(owner) {}
+    Field(const Field& other) : NodePart(other) {}
+    ~Field() override;
+
+    virtual const std::string& typeName() const;
+
+    // Binary form. The raw-buffer variants are not implemented by any field.
+    virtual unsigned int getBinSize();
+    virtual std::string  getBinValue(int = 0);
+    virtual unsigned int getBinValue(unsigned char* buffer);
+    virtual std::string  get1ValueAsBin(int index);
+    virtual void         set1ValueByBin(int index, const std::string& data);
+
+    // Text form.
+    virtual std::string& getStrValue(std::string& out) const = 0;
+    virtual const char*  addValueByStr(const char* text, Cardinality cardinality) = 0;
+
+    // Elements.
+    virtual Cardinality  cardinality() const = 0;
+    virtual unsigned int size() const = 0;
+    virtual bool         empty() const = 0;
+    virtual void         resize(unsigned int count) = 0;
+    virtual void         reserve(unsigned int count) = 0;
+    virtual void         clear() = 0;
+    virtual void         free() = 0;
+
+    virtual bool equalValue(const Field& other) const = 0;
+
+    // Setters with change processing.
+    void setValueByStr(const double& time, const char* text);
+    bool setAndValidateValueByStr(const double& time, const char* text, bool flag);
+    void setValueByBin(const double& time, const std::string& data);
+    void setValueByBin(const double& time, unsigned char* data, unsigned int size);
+    bool setValueByField(const double& time, const Field& from, ConvertParam* param = nullptr);
+    void setDefaultValue(const double& time);
+
+    bool valueIsDefault() const;
+    bool changed() const;
+    std::string strValue() const;
+
+    void processValueChange(const double& time, CallerType callerType);
+
+    void addListener(Listener* listener);
+    void removeListener(Listener* listener);
+    void callListeners(const double& time);
+
+    void dump(bool withOwner = false) const;
+
+    static const std::string _typeName;
+
+protected:
+    virtual void setValueByStr(const char* text) = 0;
+    virtual bool setAndValidateValueByStr(const char* text, bool flag);
+    virtual void setValueByBin(const std::string& data);
+    virtual void setValueByBin(unsigned char* data, unsigned int size);
+    virtual bool setValueByField(const Field& from, ConvertParam* param);
+
+    void markChanged();
+    bool receive(const double& time);
+    void send(const double& time, bool markChanging, bool flag);
+    int  splitAndAddValues(const char* text, const char* separators);
+
+    // Copies or converts a value between fields of any types.
+    static bool assign(Field& to, const Field& from, ConvertParam* param);
+
+    // "Class::operation() is not imp" style reports of the binary form.
+    void binaryNotImplemented(const char* operation) const;
+
+private:
+    std::vector<Listener*>* _listeners = nullptr;
+};
+
+} // namespace Orvane
+
+#endif

@@ -1,0 +1,10 @@
+#include "base/MFPlane.h"
+
+namespace Orvane {
+
+Field* MFPlane::create(Node& owner)
+{
+    return new MFPlane(owner);
+}
+
+} // namespace Orvane

@@ -1,0 +1,20 @@
+#ifndef ORVANE_BASE_MFVEC4F_H
+#define ORVANE_BASE_MFVEC4F_H
+
+#include "base/TypedField.h"
+
+namespace Orvane {
+
+class ORVANE_API MFVec4f : public TypedMField<MFVec4f, Vec4f, MVField<Vec4f>> {
+public:
+    using TypedMField::TypedMField;
+    static constexpr NodePartDataType DataType = MFVec4fType;
+
+private:
+    friend class BuiltinFieldTypes;
+    static Field* create(Node& owner);
+};
+
+} // namespace Orvane
+
+#endif

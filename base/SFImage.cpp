@@ -1,0 +1,10 @@
+#include "base/SFImage.h"
+
+namespace Orvane {
+
+Field* SFImage::create(Node& owner)
+{
+    return new SFImage(owner);
+}
+
+} // namespace Orvane

@@ -1,0 +1,10 @@
+#include "base/SFInt32.h"
+
+namespace Orvane {
+
+Field* SFInt32::create(Node& owner)
+{
+    return new SFInt32(owner);
+}
+
+} // namespace Orvane

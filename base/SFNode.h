@@ -1,0 +1,35 @@
+#ifndef ORVANE_BASE_SFNODE_H
+#define ORVANE_BASE_SFNODE_H
+
+#include "base/NodeLink.h"
+#include "base/TypedField.h"
+
+namespace Orvane {
+
+// One child link. Node values are built by loaders and copies, not parsed from text; the text
+// form names the child (its DEF name or ID text) for diagnostics.
+class ORVANE_API SFNode : public TypedField<SFNode, SField<NodeLink, 1>> {
+public:
+    explicit SFNode(Node& owner);
+    SFNode(Node& owner, const SFNode& other);
+    SFNode(const SFNode& other);
+    SFNode& operator=(const SFNode& other);
+    using Field::setValueByStr;
+    static constexpr NodePartDataType DataType = SFNodeType;
+
+    Node* node() const { return _value.node(); }
+    bool  setNode(const Node* node) { return _value.setNode(node); }
+
+    std::string& getStrValue(std::string& out) const override;
+
+protected:
+    void setValueByStr(const char* text) override;
+
+private:
+    friend class BuiltinFieldTypes;
+    static Field* create(Node& owner);
+};
+
+} // namespace Orvane
+
+#endif

@@ -1,0 +1,10 @@
+#include "base/SFPlane.h"
+
+namespace Orvane {
+
+Field* SFPlane::create(Node& owner)
+{
+    return new SFPlane(owner);
+}
+
+} // namespace Orvane

@@ -1,0 +1,10 @@
+#include "base/SFString.h"
+
+namespace Orvane {
+
+Field* SFString::create(Node& owner)
+{
+    return new SFString(owner);
+}
+
+} // namespace Orvane
