@@ -1,0 +1,8 @@
+#include "platform/tessil/Mutex.h"
+
+namespace Tessil {
+
+Mutex::Mutex() = default;
+Mutex::~Mutex() = default;
+
+} // namespace Tessil
