@@ -1,0 +1,31 @@
+// Uses the installed library the way an application would: a node type, a node, a field.
+#include "base/FieldType.h"
+#include "base/Log.h"
+#include "base/MFVec3f.h"
+#include "base/Node.h"
+#include "base/NodePartDesc.h"
+#include "base/NodeType.h"
+#include "base/SmartPtr.h"
+
+#include <cstdio>
+
+using namespace Orvane;
+
+int main()
+{
+    NodePartDesc parts[] = {
+        NodePartDesc(0, PartMask::bit(0), ExposedFieldPartType, MFVec3fType, 0, "point"),
+    };
+    NodeType type("Points", parts, 1);
+    SmartPtr<Node> node(new Node(type));
+
+    Field* point = node->findField(0);
+    if (!point || FieldType::typeCount() != 51) {
+        std::fprintf(stderr, "consumer: library not usable\n");
+        return 1;
+    }
+    point->setValueByStr(0.0, "0 1 2, 3 4 5");
+    std::string text = point->strValue();
+    std::printf("consumer: %s = [%s]\n", point->findName(), text.c_str());
+    return text == "0.000000 1.000000 2.000000, 3.000000 4.000000 5.000000" ? 0 : 1;
+}
