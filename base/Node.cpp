@@ -2,39 +2,231 @@
 
 #include "base/Field.h"
 #include "base/Log.h"
+#include "base/MFNode.h"
+#include "base/MFString.h"
 #include "base/NodeLink.h"
+#include "base/NodeNameSpace.h"
 #include "base/NodePartDesc.h"
 #include "base/NodeProc.h"
 #include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
+#include "base/SFNode.h"
+#include "base/Subject.h"
 
 #include <algorithm>
-#include <atomic>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <unordered_set>
 
 namespace Orvane {
 
 namespace {
 
-std::atomic<std::uint64_t> nextNodeID{1};
+// The node ID map: every live node by its number. Made with the first node, never destroyed.
+struct IDRegistry {
+    std::mutex                            lock;
+    std::map<std::uint64_t, Node*>*       map = nullptr;
+    std::uint64_t                         nextID = 1;
+};
+
+IDRegistry& idRegistry()
+{
+    static IDRegistry& r = *new IDRegistry;
+    return r;
+}
+
+Subject& makeSubject(const char* name)
+{
+    return *new Subject(name);
+}
+
+// The node fields of a node, in part order.
+template <class Fn>
+void forEachNodeField(const Node& node, Fn fn)
+{
+    for (unsigned i = 0; i < node.partCount(); ++i) {
+        Field* field = node.findField(i);
+        if (!field)
+            continue;
+        if (field->dataType() == SFNodeType)
+            fn(static_cast<SFNode&>(*field));
+        else if (field->dataType() == MFNodeType)
+            fn(static_cast<MFNode&>(*field));
+    }
+}
+
+template <class Fn>
+void forEachChildLink(const Node& node, Fn fn)
+{
+    forEachNodeField(node, [&](auto& field) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(field)>, SFNode&> ||
+                      std::is_same_v<std::decay_t<decltype(field)>, SFNode>) {
+            if (field.link().directNode())
+                fn(field.link());
+        } else {
+            for (NodeLink& link : field)
+                if (link.directNode())
+                    fn(link);
+        }
+    });
+}
+
+bool matchesLogFeature(const std::string& value, const char* name)
+{
+    return value == name;
+}
 
 } // namespace
 
-Node::Node(NodeType& type) : _type(&type), _ID(nextNodeID.fetch_add(1, std::memory_order_relaxed))
+// --- the base type ---
+
+NodeType& Node::classType()
 {
-    _parts.reserve(type.partCount());
-    for (unsigned i = 0; i < type.partCount(); ++i) {
-        NodePartDesc* desc = type.part(i);
-        Field* field = FieldType::create(desc->dataType(), *this);
-        if (field)
-            field->setDesc(desc);
-        _parts.push_back(field);
+    static NodePartDesc descs[] = {
+        NodePartDesc(0, PartMask::bit(0), ExposedFieldPartType, MFStringType, NodePartDesc::CtorAutoProcess,
+                     "logFeature", nullptr, nullptr, "state,child,parent,route,eventIn,eventOut",
+                     "controls the logging of changes, state: log state changes (e.g. live), child: log child "
+                     "add/remove, parent: log parent add/remove,"),
+        NodePartDesc(1, PartMask::bit(1), ExposedFieldPartType, SFNodeType, NodePartDesc::CtorAutoProcess,
+                     "metadata", nullptr, nullptr, "MetadataObject",
+                     "container for payload metadata inside MetadataSet element"),
+    };
+    static NodeType type(theBaseNodeTypeFactory(), "Node", "Base", nullptr, nullptr, "1.0", "Core",
+                         "Base Node Class", "stable", "Orvane Base node", "Orvane", false, false, &Node::isNodeType,
+                         &Node::createNode, &Node::createProc, descs, 2);
+    return type;
+}
+
+namespace {
+// Registered while the library loads, like every native type.
+[[maybe_unused]] const bool nodeTypeRegistered = (Node::classType(), true);
+} // namespace
+
+Node* Node::createNode(NodeType& type, NodeNameSpace& nameSpace, const char* name)
+{
+    return new Node(type, nameSpace, name);
+}
+
+NodeProc* Node::createProc(NodeType&, Node& node)
+{
+    return new NodeProc(node);
+}
+
+bool Node::isNodeType(const Node* node)
+{
+    return node != nullptr;
+}
+
+// --- subjects ---
+
+Subject& Node::newObjectSubject()
+{
+    static Subject& s = makeSubject("newNode");
+    return s;
+}
+
+Subject& Node::stateChangedSubject()
+{
+    static Subject& s = makeSubject("stateChanged");
+    return s;
+}
+
+Subject& Node::logFeatureChangedSubject()
+{
+    static Subject& s = makeSubject("logFeatureChanged");
+    return s;
+}
+
+Subject& Node::childAddedSubject()
+{
+    static Subject& s = makeSubject("childAdded");
+    return s;
+}
+
+Subject& Node::childRemovedSubject()
+{
+    static Subject& s = makeSubject("childRemoved");
+    return s;
+}
+
+Subject& Node::nameSpaceChangedSubject()
+{
+    static Subject& s = makeSubject("nameSpaceChanged");
+    return s;
+}
+
+Subject& Node::codeErrorSubject()
+{
+    static Subject& s = makeSubject("codeError");
+    return s;
+}
+
+Subject& Node::deleteObjectSubject()
+{
+    static Subject& s = makeSubject("deleteNode");
+    return s;
+}
+
+// --- construction ---
+
+Node::Node(NodeType& type, NodeNameSpace& nameSpace, const char* name)
+    : _type(&type), _nameSpace(&nameSpace), _logFeatureMask(type.logFeatureMask())
+{
+    _parts.resize(type.partCount(), nullptr);
+    {
+        IDRegistry& r = idRegistry();
+        std::lock_guard<std::mutex> lock(r.lock);
+        if (!r.map)
+            r.map = new std::map<std::uint64_t, Node*>;
+        _ID = r.nextID++;
+        r.map->emplace_hint(r.map->end(), _ID, this);
     }
+    ++nameSpace._nodeCount;
+    type.changeObjCounter(1);
+    if (name && *name)
+        nameSpace.regNode(*this, type, name);
 }
 
 Node::~Node()
 {
-    for (NodePart* part : _parts)
+    if (deleteObjectSubject().observerCount())
+        deleteObjectSubject().notify(0.0, this);
+    if (!_parentLinks.empty()) {
+        ORV_FATAL("Have still valid parent links in Node Destructor\n");
+        for (NodeLink* link : _parentLinks)
+            if (!link)
+                ORV_FATAL("Invalid Null entry in _nodeLinkBag\n");
+    }
+    const unsigned typeParts = _type->partCount();
+    for (std::size_t i = 0; i < _parts.size(); ++i) {
+        NodePart* part = _parts[i];
+        if (!part)
+            continue;
+        NodePartDesc* desc = part->desc();
         delete part;
+        // Dynamic fields own their descriptors.
+        if (i >= typeParts && desc && desc->objExtension())
+            delete desc;
+    }
     delete _proc;
+    if (_name)
+        _nameSpace->unregNode(*this);
+    --_nameSpace->_nodeCount;
+    _type->changeObjCounter(-1);
+    IDRegistry& r = idRegistry();
+    std::lock_guard<std::mutex> lock(r.lock);
+    r.map->erase(_ID);
+}
+
+void Node::shutdown() const
+{
+    Node* self = const_cast<Node*>(this);
+    if (_state != Dispose && !self->setState(0.0, Dispose))
+        ORV_WARNING("%s/%s: Could not switch state to DISPOSED in shutdown()\n", _type->name().c_str(),
+                    getIDStr().c_str());
+    // The children hear of it while this node is still whole.
+    self->removeAllChildren(0.0);
 }
 
 void Node::setProc(NodeProc* proc)
@@ -42,20 +234,367 @@ void Node::setProc(NodeProc* proc)
     if (proc != _proc)
         delete _proc;
     _proc = proc;
+    if (_proc)
+        _proc->_node = this;
+}
+
+const char* Node::creatorName(NodeCreator creator)
+{
+    static const char* const names[] = {"Unknown", "System", "Runtime", "Invalid", "Loader", "Dynamic"};
+    return creator >= UnknownCreator && creator <= DynamicCreator ? names[creator] : "Invalid";
+}
+
+// --- naming and identity ---
+
+const std::string& Node::name() const
+{
+    static const std::string none;
+    return _name ? *_name : none;
+}
+
+bool Node::isAutoNamed() const
+{
+    return _name && _nameSpace->isAutoNamed(*this);
 }
 
 const std::string& Node::getIDStr() const
 {
-    // '#' starts a comment in the file syntax, so this text can never be a DEF name.
+    if (_name)
+        return *_name;
     if (_idStr.empty())
         _idStr = "#" + std::to_string(_ID);
     return _idStr;
 }
 
+std::uint64_t Node::parseIDStr(const std::string& text)
+{
+    if (text.size() < 2 || text[0] != '#' || text.size() > 21)
+        return 0;
+    for (std::size_t i = 1; i < text.size(); ++i)
+        if (text[i] < '0' || text[i] > '9')
+            return 0;
+    return std::strtoull(text.c_str() + 1, nullptr, 10);
+}
+
+bool Node::rename(const std::string& newName)
+{
+    if (_nameSpace->findNode(newName)) {
+        ORV_WARNING("Can not rename() node to %s, name already give\n", newName.c_str());
+        return false;
+    }
+    _nameSpace->unregNode(*this);
+    return _nameSpace->regNode(*this, *_type, newName);
+}
+
+bool Node::isExported() const
+{
+    // Exports arrive with the import/export tables of the node namespaces.
+    return false;
+}
+
+bool Node::fillAbsolutAddress(std::string& out) const
+{
+    bool complete = _nameSpace->fillAbsolutAddress(out) && _name;
+    out = out.empty() ? getIDStr() : out + "::" + getIDStr();
+    return complete;
+}
+
+bool Node::hasAbsolutAddress() const
+{
+    std::string address;
+    return fillAbsolutAddress(address);
+}
+
+Node* Node::findNode(std::uint64_t id)
+{
+    IDRegistry& r = idRegistry();
+    std::lock_guard<std::mutex> lock(r.lock);
+    if (!r.map)
+        return nullptr;
+    auto found = r.map->find(id);
+    return found == r.map->end() ? nullptr : found->second;
+}
+
+bool Node::findNode(const Node* node)
+{
+    if (!node)
+        return false;
+    IDRegistry& r = idRegistry();
+    std::lock_guard<std::mutex> lock(r.lock);
+    if (!r.map)
+        return false;
+    for (const auto& [id, live] : *r.map)
+        if (live == node)
+            return true;
+    return false;
+}
+
+std::size_t Node::idMapSize()
+{
+    IDRegistry& r = idRegistry();
+    std::lock_guard<std::mutex> lock(r.lock);
+    return r.map ? r.map->size() : 0;
+}
+
+int Node::fillNodeVec(std::vector<Node*>& out, NodeType* type, bool derived)
+{
+    out.clear();
+    IDRegistry& r = idRegistry();
+    std::lock_guard<std::mutex> lock(r.lock);
+    if (!r.map)
+        return 0;
+    for (const auto& [id, node] : *r.map) {
+        if (!type || &node->type() == type || (derived && node->type().isA(*type)))
+            out.push_back(node);
+    }
+    return static_cast<int>(out.size());
+}
+
+// --- lifecycle ---
+
+const char* Node::stateName(NodeState state)
+{
+    static const char* const names[] = {"Creation", "Setup", "Realize", "Live", "Dispose"};
+    return state >= Creation && state <= Dispose ? names[state] : "Invalid";
+}
+
+bool Node::setState(const double& time, NodeState state)
+{
+    const NodeState old = _state;
+    if (state == old)
+        return true;
+    // Creation only leads to Setup; Dispose is final; Setup, Realize and Live move freely
+    // between each other and to Dispose.
+    const bool allowed = (old == Creation && state == Setup) ||
+                         (old >= Setup && old <= Live && state >= Setup && state <= Dispose);
+    if (!allowed) {
+        ORV_WARNING("Invalid node %s/%s/%s state transition: %s to %s\n", _nameSpace->name().c_str(),
+                    _type->name().c_str(), getIDStr().c_str(), stateName(old), stateName(state));
+        return false;
+    }
+
+    auto hook = [&](NodeState entered, void (NodeProc::*fn)(const double&)) {
+        _state = entered;
+        if (_proc)
+            (_proc->*fn)(time);
+    };
+    if (old == Creation) {
+        hook(Setup, &NodeProc::setup);
+    } else {
+        // Walk one state at a time to the target, Setup standing in for Dispose.
+        const NodeState target = state == Dispose ? Setup : state;
+        NodeState at = old;
+        while (at < target) {
+            at = static_cast<NodeState>(at + 1);
+            hook(at, at == Realize ? &NodeProc::initialize : &NodeProc::attach);
+        }
+        while (at > target) {
+            at = static_cast<NodeState>(at - 1);
+            hook(at, at == Realize ? &NodeProc::detach : &NodeProc::shutdown);
+        }
+        if (state == Dispose)
+            hook(Dispose, &NodeProc::dispose);
+    }
+
+    if (_isChangingMask.any())
+        ORV_FATAL("Invalid node %s/%s/%s state transition: %s to %s (ChangingMask is %u)\n",
+                  _nameSpace->name().c_str(), _type->name().c_str(), getIDStr().c_str(), stateName(old),
+                  stateName(state), static_cast<unsigned>(_isChangingMask.value()));
+    if (stateChangedSubject().observerCount())
+        stateChangedSubject().notify(time, this);
+    if (checkLogFeature(LogState))
+        ORV_PLOG("Valid node %s/%s/%s state transition: %s to %s\n", _nameSpace->name().c_str(),
+                 _type->name().c_str(), getIDStr().c_str(), stateName(old), stateName(state));
+    return true;
+}
+
+bool Node::setTreeState(const double& time, NodeState state)
+{
+    return updateTreeState(time, state);
+}
+
+bool Node::updateTreeState(const double& time, NodeState state)
+{
+    // Every node once, parents before their children; a shared node is visited at its first use.
+    std::vector<Node*> nodes;
+    collectAllChildren(nodes, true);
+    SmartPtr<Node> keep(this);
+    bool ok = setState(time, state);
+    for (Node* node : nodes)
+        ok = node->setState(time, state) && ok;
+    return ok;
+}
+
+// --- parts ---
+
 Field* Node::findField(unsigned id) const
 {
-    return dynamic_cast<Field*>(part(id));
+    return id < _parts.size() ? static_cast<Field*>(_parts[id]) : nullptr;
 }
+
+Field* Node::findField(const std::string& name, FieldSearchOrder order) const
+{
+    enum Kind { ByField, ByInSlot, ByOutSlot };
+    auto lookup = [&](Kind kind) -> Field* {
+        NodePartDesc* desc = kind == ByField    ? _type->findFieldPart(name)
+                             : kind == ByInSlot ? _type->findInSlotPart(name)
+                                                : _type->findOutSlotPart(name);
+        if (desc && desc->ID() < _parts.size() && _parts[desc->ID()])
+            return static_cast<Field*>(_parts[desc->ID()]);
+        for (std::size_t i = _type->partCount(); i < _parts.size(); ++i) {
+            NodePart* part = _parts[i];
+            if (!part || !part->desc())
+                continue;
+            const NodePartDesc& d = *part->desc();
+            const std::string& n = kind == ByField ? d.fieldName() : kind == ByInSlot ? d.inSlotName() : d.outSlotName();
+            if (n == name)
+                return static_cast<Field*>(part);
+        }
+        return nullptr;
+    };
+    static const Kind orders[][3] = {
+        {ByField, ByField, ByField},       {ByField, ByInSlot, ByOutSlot}, {ByInSlot, ByOutSlot, ByField},
+        {ByInSlot, ByField, ByField},      {ByOutSlot, ByField, ByField},
+    };
+    const Kind* kinds = orders[order >= SearchFieldName && order <= SearchOutSlot ? order : SearchFieldThenSlots];
+    for (int i = 0; i < 3; ++i)
+        if (Field* field = lookup(kinds[i]))
+            return field;
+    return nullptr;
+}
+
+Field* Node::findField(NodePartValueRestriction restriction) const
+{
+    for (NodePart* part : _parts)
+        if (part && part->desc() && part->desc()->valueRestriction() == restriction)
+            return static_cast<Field*>(part);
+    return nullptr;
+}
+
+NodePartDesc* Node::findPartDesc(unsigned id) const
+{
+    if (id < _parts.size() && _parts[id] && _parts[id]->desc())
+        return _parts[id]->desc();
+    return _type->part(id);
+}
+
+bool Node::regField(Field& field, NodeType& type, unsigned id, bool setDefault)
+{
+    if (id >= type.partCount() || id >= _parts.size()) {
+        ORV_WARNING("Cannot reg part %d; invalid Part ID\n", static_cast<int>(id));
+        return false;
+    }
+    if (_parts[id] && _parts[id] != &field)
+        delete _parts[id];
+    field.setDesc(type.part(id));
+    _parts[id] = &field;
+    if (setDefault)
+        field.setDefaultValue(0.0);
+    return true;
+}
+
+void Node::unregField(unsigned id)
+{
+    if (id < _parts.size())
+        _parts[id] = nullptr;
+}
+
+Field* Node::makeField(unsigned id, bool setDefault)
+{
+    if (Field* existing = findField(id))
+        return existing;
+    NodePartDesc* desc = _type->part(id);
+    if (!desc)
+        return nullptr;
+    Field* field = FieldType::create(desc->dataType(), *this);
+    if (field && !regField(*field, *_type, id, setDefault)) {
+        delete field;
+        return nullptr;
+    }
+    return field;
+}
+
+Field* Node::placeDynamicField(NodePartDesc* desc)
+{
+    const unsigned id = static_cast<unsigned>(_parts.size());
+    desc->setID(id);
+    desc->setMask(id < 64 ? PartMask::bit(id) : PartMask());
+    desc->setFlag(NodePartDesc::ObjExtension);
+    Field* field = desc->holdsField() ? FieldType::create(desc->dataType(), *this) : nullptr;
+    if (!field) {
+        delete desc;
+        return nullptr;
+    }
+    field->setDesc(desc);
+    _parts.push_back(field);
+    field->setDefaultValue(0.0);
+    return field;
+}
+
+Field* Node::addDynamicField(const NodePartDesc& desc)
+{
+    return placeDynamicField(new NodePartDesc(desc));
+}
+
+Field* Node::addDynamicField(NodePartType partType, NodePartDataType dataType, const char* name, unsigned flags,
+                             const char* defaultValue)
+{
+    auto* desc = new NodePartDesc(0, PartMask(), partType, dataType, flags, name, nullptr, defaultValue);
+    desc->init(*_type);
+    return placeDynamicField(desc);
+}
+
+bool Node::removeDynamicField(unsigned id)
+{
+    if (id < _type->partCount() || id >= _parts.size() || !_parts[id])
+        return false;
+    NodePart* part = _parts[id];
+    NodePartDesc* desc = part->desc();
+    delete part;
+    delete desc;
+    // The IDs of later fields stay as they are; only a trailing slot goes away.
+    _parts[id] = nullptr;
+    while (_parts.size() > _type->partCount() && !_parts.back())
+        _parts.pop_back();
+    return true;
+}
+
+bool Node::hasDynamicField() const
+{
+    for (std::size_t i = _type->partCount(); i < _parts.size(); ++i)
+        if (_parts[i])
+            return true;
+    return false;
+}
+
+PartMask Node::dynamicFieldMask() const
+{
+    PartMask mask;
+    for (std::size_t i = _type->partCount(); i < _parts.size(); ++i)
+        if (_parts[i])
+            mask |= _parts[i]->mask();
+    return mask;
+}
+
+bool Node::equalFieldValues(const Node& other) const
+{
+    if (&other.type() != _type || other._parts.size() != _parts.size())
+        return false;
+    for (std::size_t i = 0; i < _parts.size(); ++i) {
+        auto* mine = static_cast<Field*>(_parts[i]);
+        auto* theirs = static_cast<Field*>(other._parts[i]);
+        if (!mine || !theirs) {
+            if (mine != theirs)
+                return false;
+            continue;
+        }
+        if (mine->dataType() != theirs->dataType() || !mine->equalValue(*theirs))
+            return false;
+    }
+    return true;
+}
+
+// --- change state ---
 
 void Node::clearChangedMask()
 {
@@ -77,7 +616,52 @@ void Node::markParent(int level)
 
 bool Node::fieldChanged(Field& field, const double& time, Field* source)
 {
-    return _proc ? _proc->fieldChanged(*this, field, time, source) : true;
+    if (!_proc)
+        return true;
+    const PartMask mask = field.mask();
+    if (mask.empty())
+        return _proc->fieldChanged(*this, field, time, source);
+    if (checkIsChangingMask(mask)) {
+        ORV_INFO("Field %s/%s.%s is already changing; break loop\n", _type->name().c_str(), getIDStr().c_str(),
+                 field.nameOrNoName());
+        return false;
+    }
+    setIsChanging(mask);
+    bool result = _proc->fieldChanged(*this, field, time, source);
+    clearIsChanging(mask);
+    return result;
+}
+
+MFString* Node::logFeature() const
+{
+    return _logFeatureMask.any() ? static_cast<MFString*>(findField(0u)) : nullptr;
+}
+
+SFNode* Node::metadata() const
+{
+    return _logFeatureMask.any() ? static_cast<SFNode*>(findField(1u)) : nullptr;
+}
+
+void Node::updateLogFeature()
+{
+    static const char* const names[] = {"none", "state", "child", "parent", "route", "fieldValueChanged",
+                                        "eventIn", "eventOut", "guiView", "guiEdit", "everything"};
+    MFString* field = logFeature();
+    if (!field)
+        return;
+    std::uint32_t flags = 0;
+    for (const std::string& value : field->value()) {
+        for (int f = LogState; f <= LogEverything; ++f) {
+            if (!matchesLogFeature(value, names[f]))
+                continue;
+            flags |= f == LogEverything ? 0x3feu : 1u << f;
+        }
+    }
+    if (flags == _debugFlags)
+        return;
+    _debugFlags = flags;
+    if (logFeatureChangedSubject().observerCount())
+        logFeatureChangedSubject().notify(0.0, this);
 }
 
 bool Node::removeParentLink(NodeLink* link)
@@ -87,6 +671,295 @@ bool Node::removeParentLink(NodeLink* link)
         return false;
     _parentLinks.erase(found);
     return true;
+}
+
+// --- children ---
+
+NodeLink* Node::addChild(Node* child, const char* fieldName, NameSpaceTransfer transfer, NodeTypeMatchMode match)
+{
+    if (!child)
+        return nullptr;
+    Field* target = nullptr;
+    if (fieldName && *fieldName) {
+        target = findField(fieldName, SearchFieldThenSlots);
+        if (target && target->dataType() != SFNodeType && target->dataType() != MFNodeType)
+            target = nullptr;
+    } else {
+        // The first field that accepts the child, and the one whose allowed type is the child's
+        // closest ancestor: a field for any node counts as allowing the base type.
+        Field* first = nullptr;
+        Field* best = nullptr;
+        std::int32_t bestDistance = -1;
+        const NodeType& base = Node::classType();
+        forEachNodeField(*this, [&](Field& field) {
+            NodeType* allowed = field.desc() ? field.desc()->nodeType() : nullptr;
+            std::int32_t distance = child->type().isADistance(allowed ? *allowed : base);
+            if (distance < 0 && !allowed)
+                distance = 0x7fffffff;  // a tree of its own: any field takes it, last in line
+            if (distance < 0)
+                return;
+            if (!first)
+                first = &field;
+            if (!best || distance < bestDistance) {
+                best = &field;
+                bestDistance = distance;
+            }
+        });
+        if (!first) {
+            ORV_WARNING("node type %s doesn't have _any_ field with the type %s\n", _type->name().c_str(),
+                        child->type().name().c_str());
+            return nullptr;
+        }
+        target = first;
+        if (match == BestMatch && best != first) {
+            ORV_INFO("Remap bestMatch Field in addChild(): %d/%d\n", static_cast<int>(first->desc()->ID()),
+                     static_cast<int>(best->desc()->ID()));
+            target = best;
+        }
+    }
+    if (!target) {
+        ORV_WARNING("node type %s doesn't have _any_ field with the type %s\n", _type->name().c_str(),
+                    child->type().name().c_str());
+        return nullptr;
+    }
+
+    NodeLink* link = nullptr;
+    if (target->dataType() == SFNodeType) {
+        auto& field = static_cast<SFNode&>(*target);
+        link = field.setNode(child) ? &field.link() : nullptr;
+    } else {
+        link = static_cast<MFNode&>(*target).addChild(child);
+    }
+    if (!link)
+        return nullptr;
+    if (transfer == TransferNameSpace && &child->nameSpace() != _nameSpace)
+        child->transfer(0.0, *_nameSpace);
+    if (childAddedSubject().observerCount())
+        childAddedSubject().notify(0.0, this, child);
+    return link;
+}
+
+bool Node::removeChild(Node* child)
+{
+    if (!child)
+        return false;
+    SmartPtr<Node> keep(child);
+    bool removed = false;
+    forEachNodeField(*this, [&](auto& field) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(field)>, SFNode>) {
+            if (field.link().directNode() == child) {
+                field.setNode(nullptr);
+                removed = true;
+            }
+        } else {
+            for (auto it = field.begin(); it != field.end();) {
+                auto next = std::next(it);
+                if (it->directNode() == child) {
+                    field.removeLink(&*it);
+                    removed = true;
+                }
+                it = next;
+            }
+        }
+    });
+    if (removed && childRemovedSubject().observerCount())
+        childRemovedSubject().notify(0.0, this, child);
+    return removed;
+}
+
+void Node::removeAllChildren(const double&)
+{
+    forEachNodeField(*this, [&](auto& field) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(field)>, SFNode>)
+            field.setNode(nullptr);
+        else
+            field.clear();
+    });
+}
+
+void Node::removeAllParentLinks(const double&)
+{
+    SmartPtr<Node> keep(this);
+    std::vector<NodeLink*> links = _parentLinks;
+    for (NodeLink* link : links) {
+        Field* field = link->getField();
+        if (field && field->dataType() == MFNodeType)
+            static_cast<MFNode*>(field)->removeLink(link);
+        else
+            link->setNode(nullptr);
+    }
+}
+
+NodeLink* Node::findChildLink(Node* child) const
+{
+    NodeLink* found = nullptr;
+    forEachChildLink(*this, [&](NodeLink& link) {
+        if (!found && link.directNode() == child)
+            found = &link;
+    });
+    return found;
+}
+
+unsigned Node::childCount() const
+{
+    unsigned count = 0;
+    forEachChildLink(*this, [&](NodeLink&) { ++count; });
+    return count;
+}
+
+void Node::collectAllChildren(std::vector<Node*>& out, bool recursive) const
+{
+    std::unordered_set<const Node*> seen{this};
+    std::vector<const Node*> stack{this};
+    while (!stack.empty()) {
+        const Node* node = stack.back();
+        stack.pop_back();
+        std::vector<Node*> children;
+        forEachChildLink(*node, [&](NodeLink& link) {
+            if (seen.insert(link.directNode()).second)
+                children.push_back(link.directNode());
+        });
+        for (Node* child : children)
+            out.push_back(child);
+        if (!recursive)
+            break;
+        // Depth first in field order: the first child is taken next.
+        for (auto it = children.rbegin(); it != children.rend(); ++it)
+            stack.push_back(*it);
+    }
+}
+
+bool Node::replace(Node& other)
+{
+    if (&other == this)
+        return true;
+    SmartPtr<Node> keep(this);
+    std::vector<NodeLink*> links = _parentLinks;
+    bool ok = true;
+    for (NodeLink* link : links) {
+        if (!link) {
+            ORV_FATAL("Invalid NULL parentLink in Node::replace()\n");
+            ok = false;
+            continue;
+        }
+        ok = link->setNode(&other) && ok;
+    }
+    return ok;
+}
+
+bool Node::merge(Node& other)
+{
+    if (!_type->isContextRoot()) {
+        ORV_WARNING("%s/%s: Skip merge; only allowed for contextRoot nodes\n", _type->name().c_str(),
+                    getIDStr().c_str());
+        return false;
+    }
+    SmartPtr<Node> keep(&other);
+    bool ok = true;
+    forEachNodeField(other, [&](Field& from) {
+        Field* to = findField(from.nameOrNoName(), SearchFieldName);
+        if (!to || to->dataType() != from.dataType()) {
+            ok = false;
+            return;
+        }
+        std::vector<Node*> children;
+        if (from.dataType() == SFNodeType) {
+            if (Node* child = static_cast<SFNode&>(from).node())
+                children.push_back(child);
+        } else {
+            for (NodeLink& link : static_cast<MFNode&>(from))
+                if (link.directNode())
+                    children.push_back(link.directNode());
+        }
+        std::vector<SmartPtr<Node>> held(children.begin(), children.end());
+        if (from.dataType() == SFNodeType) {
+            static_cast<SFNode&>(from).setNode(nullptr);
+            if (!children.empty())
+                ok = static_cast<SFNode*>(to)->setNode(children[0]) && ok;
+        } else {
+            static_cast<MFNode&>(from).clear();
+            for (Node* child : children)
+                ok = static_cast<MFNode*>(to)->addChild(child) && ok;
+        }
+    });
+    return ok;
+}
+
+Node* Node::clone(NodeNameSpace* nameSpace, const char* name) const
+{
+    Node* copy = _type->createNode(nameSpace ? nameSpace : _nameSpace, name, _creator);
+    if (!copy) {
+        ORV_WARNING("Node clone failed\n");
+        return nullptr;
+    }
+    for (std::size_t i = 0; i < _parts.size() && i < copy->_parts.size(); ++i) {
+        auto* from = static_cast<Field*>(_parts[i]);
+        auto* to = static_cast<Field*>(copy->_parts[i]);
+        if (from && to)
+            to->setValueByField(0.0, *from);
+    }
+    for (std::size_t i = copy->_parts.size(); i < _parts.size(); ++i) {
+        auto* from = static_cast<Field*>(_parts[i]);
+        if (!from || !from->desc())
+            continue;
+        if (Field* to = copy->addDynamicField(*from->desc()))
+            to->setValueByField(0.0, *from);
+    }
+    if (_proc && copy->_proc)
+        copy->_proc->copy(*_proc);
+    return copy;
+}
+
+bool Node::transfer(const double& time, NodeNameSpace& nameSpace)
+{
+    if (&nameSpace == _nameSpace)
+        return true;
+    std::string name = _name ? *_name : std::string();
+    if (_name)
+        _nameSpace->unregNode(*this);
+    --_nameSpace->_nodeCount;
+    _nameSpace = &nameSpace;
+    ++_nameSpace->_nodeCount;
+    if (!name.empty())
+        _nameSpace->regNode(*this, *_type, name);
+    if (nameSpaceChangedSubject().observerCount())
+        nameSpaceChangedSubject().notify(time, this);
+    return true;
+}
+
+// --- diagnostics ---
+
+void Node::dump() const
+{
+    ORV_PLOG("NodeDump: %s, %s, %s, %s\n", _type->name().c_str(), getIDStr().c_str(), stateName(),
+             _nameSpace->name().c_str());
+    dumpField(PartMask(~0ull));
+    ORV_PLOG("Check NodeLinkList (Parent links): %d\n", static_cast<int>(_parentLinks.size()));
+    for (NodeLink* link : _parentLinks) {
+        Node* parent = link ? link->parent() : nullptr;
+        ORV_PLOG("  parent %s/%s\n", parent ? parent->type().name().c_str() : "UNSET_",
+                 parent ? parent->getIDStr().c_str() : "UNSET_");
+    }
+}
+
+void Node::dumpField(PartMask mask) const
+{
+    ORV_PLOG("%s/%s/%s: FieldDump: \n", _nameSpace->name().c_str(), _type->name().c_str(), getIDStr().c_str());
+    for (std::size_t i = 0; i < _parts.size(); ++i) {
+        auto* field = static_cast<Field*>(_parts[i]);
+        if (!field) {
+            ORV_PLOG("  %zu: INVALID PART\n", i);
+            continue;
+        }
+        if (!field->desc()) {
+            ORV_PLOG("  %zu: INVALID DESC\n", i);
+            continue;
+        }
+        if (!mask.test(field->mask()) && field->mask().any())
+            continue;
+        ORV_PLOG("  %zu: %s %s = %s\n", i, field->dataTypeName().c_str(), field->nameOrNoName(),
+                 field->strValue().c_str());
+    }
 }
 
 } // namespace Orvane

@@ -5,26 +5,61 @@
 #include "base/BitVector.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace Orvane {
 
 class Field;
+class MFString;
 class NodeLink;
-class NodeProc;
+class NodeNameSpace;
 class NodePart;
+class NodePartDesc;
+class NodeProc;
 class NodeType;
+class SFNode;
+class Subject;
+enum NodePartType : std::int32_t;
+enum NodePartDataType : std::int32_t;
+enum NodePartValueRestriction : std::int32_t;
 
 enum NodeState : std::int32_t { Creation = 0, Setup = 1, Realize = 2, Live = 3, Dispose = 4 };
 
-// Per-node log switches; bit n of the node's debug flags is feature n.
-enum LogFeature : std::int32_t {
-    LogNone = 0, LogState = 1, LogChild = 2, LogParent = 3, LogRoute = 4, LogFieldValueChanged = 5,
-    LogEventIn = 6, LogEventOut = 7, LogGuiView = 8, LogGuiEdit = 9,
+// Who created a node; stored unchanged. createNode uses SystemCreator for a default descendant.
+enum NodeCreator : std::int32_t {
+    UnknownCreator = 0, SystemCreator = 1, RuntimeCreator = 2, InvalidCreator = 3, LoaderCreator = 4,
+    DynamicCreator = 5,
 };
 
-// One instance of a node type in a scene: owns one part per descriptor of its type.
+// Per-node log switches, selected by the node's logFeature field; bit n of the debug flags is
+// feature n.
+enum LogFeature : std::int32_t {
+    LogNone = 0, LogState = 1, LogChild = 2, LogParent = 3, LogRoute = 4, LogFieldValueChanged = 5,
+    LogEventIn = 6, LogEventOut = 7, LogGuiView = 8, LogGuiEdit = 9, LogEverything = 10,
+};
+
+// Which names findField compares, in which order. An exposed field N answers to N as field name,
+// to "set_"+N as in-slot name and to N+"_changed" as out-slot name.
+enum FieldSearchOrder : std::int32_t {
+    SearchFieldName      = 0,  // field names only
+    SearchFieldThenSlots = 1,  // field names, then in-slot, then out-slot names
+    SearchSlotsThenField = 2,  // in-slot, out-slot, then field names
+    SearchInSlot         = 3,  // in-slot names, then field names: the receiving end of a route
+    SearchOutSlot        = 4,  // out-slot names, then field names: the sending end of a route
+};
+
+// What addChild does when the child lives in another node namespace.
+enum NameSpaceTransfer : std::int32_t { KeepNameSpace = 0, TransferNameSpace = 1 };
+
+// How addChild picks the receiving field: the first node field that accepts the child, or the one
+// whose allowed type is the child's closest ancestor.
+enum NodeTypeMatchMode : std::int32_t { FirstMatch = 0, BestMatch = 1 };
+
+// One instance of a node type in a scene: owns one part per descriptor of its type, lives in a
+// node namespace, hangs in its parents' node fields through node links, and runs a lifecycle
+// state machine that calls its processor's hooks. Nodes are made only by NodeType::createNode.
 class ORVANE_API Node : public AttachmentBag {
 public:
     // Bits of the node's flag word.
@@ -33,20 +68,67 @@ public:
         ChildChangedFlag = 8,  // something below this node changed
     };
 
-    explicit Node(NodeType& type);
+    // The base type "Node" and its creator, processor factory and type check.
+    static NodeType& classType();
+    static Node*     createNode(NodeType& type, NodeNameSpace& nameSpace, const char* name);
+    static NodeProc* createProc(NodeType& type, Node& node);
+    static bool      isNodeType(const Node* node);
 
-    NodeType&   type() const { return *_type; }
-    NodeState   state() const { return _state; }
-    bool        isLive() const { return _state == Realize || _state == Live; }
-    NodeProc*   proc() const { return _proc; }
-    void        setProc(NodeProc* proc);
-    std::uint64_t ID() const { return _ID; }
+    NodeType&      type() const { return *_type; }
+    NodeNameSpace& nameSpace() const { return *_nameSpace; }
+    NodeProc*      proc() const { return _proc; }
+    // Takes ownership; the old processor is deleted.
+    void           setProc(NodeProc* proc);
+    NodeCreator    creator() const { return _creator; }
+    const char*    creatorName() const { return creatorName(_creator); }
+    static const char* creatorName(NodeCreator creator);
+
+    // Naming and identity. An unnamed node is known by its ID text, "#" and its number: "#"
+    // starts a comment in the file syntax, so no DEF name can look like it.
+    const std::string& name() const;
+    bool               hasName() const { return _name != nullptr; }
+    bool               isAutoNamed() const;
     const std::string& getIDStr() const;
+    std::uint64_t      ID() const { return _ID; }
+    bool               rename(const std::string& newName);
+    bool               isExported() const;
+    bool               fillAbsolutAddress(std::string& out) const;
+    bool               hasAbsolutAddress() const;
 
-    // Parts, indexed by descriptor ID.
-    unsigned  partCount() const { return static_cast<unsigned>(_parts.size()); }
-    NodePart* part(unsigned id) const { return id < _parts.size() ? _parts[id] : nullptr; }
-    Field*    findField(unsigned id) const;
+    static Node*       findNode(std::uint64_t id);
+    static bool        findNode(const Node* node);
+    static std::size_t idMapSize();
+    // The number in an ID text ("#42"), or 0 when the text is none.
+    static std::uint64_t parseIDStr(const std::string& text);
+
+    // Lifecycle.
+    NodeState          state() const { return _state; }
+    const char*        stateName() const { return stateName(_state); }
+    static const char* stateName(NodeState state);
+    bool               isLive() const { return _state == Realize || _state == Live; }
+    bool               setNodeState(const double& time, NodeState state) { return setState(time, state); }
+    // The node and every node below it.
+    bool               setTreeState(const double& time, NodeState state);
+    bool               realize(const double& time) { return setTreeState(time, Realize); }
+    bool               isRealized() const { return isLive(); }
+    // Sets the state without hooks or checks; for code that drives fields directly.
+    void               setStateUnchecked(NodeState state) { _state = state; }
+
+    // Parts, indexed by descriptor ID; dynamic fields follow the type's parts.
+    unsigned      partCount() const { return static_cast<unsigned>(_parts.size()); }
+    NodePart*     part(unsigned id) const { return id < _parts.size() ? _parts[id] : nullptr; }
+    Field*        findField(unsigned id) const;
+    Field*        findField(const std::string& name, FieldSearchOrder order = SearchFieldThenSlots) const;
+    Field*        findField(NodePartValueRestriction restriction) const;
+    NodePartDesc* findPartDesc(unsigned id) const;
+    unsigned      partDescCount() const { return partCount(); }
+    Field*        addDynamicField(const NodePartDesc& desc);
+    Field*        addDynamicField(NodePartType partType, NodePartDataType dataType, const char* name,
+                                  unsigned flags = 0, const char* defaultValue = nullptr);
+    bool          removeDynamicField(unsigned id);
+    bool          hasDynamicField() const;
+    PartMask      dynamicFieldMask() const;
+    bool          equalFieldValues(const Node& other) const;
 
     // Change state.
     std::uint32_t flags() const { return _flags; }
@@ -54,7 +136,12 @@ public:
     void          setFlag(Flag flag) { _flags |= flag; }
     void          clearFlag(Flag flag) { _flags &= ~static_cast<std::uint32_t>(flag); }
     PartMask      changedMask() const { return _changedMask; }
-    void          markChanged(PartMask mask) { _changedMask |= mask; }
+    void          markChanged(PartMask mask)
+    {
+        _changedMask |= mask;
+        if (mask.test(_logFeatureMask))
+            updateLogFeature();
+    }
     void          clearChangedMask();
     bool          checkChangedMask(PartMask mask) const { return _changedMask.test(mask); }
     PartMask      isChangingMask() const { return _isChangingMask; }
@@ -65,35 +152,103 @@ public:
     // Tell the parents, up the tree, that something below them changed.
     void markParent(int level);
 
+    // The node's reaction to a change of one of its fields; false stops the change there.
+    virtual bool fieldChanged(Field& field, const double& time, Field* source);
+
+    // The two fields of every node; null for a type outside the tree of "Node".
+    MFString* logFeature() const;
+    SFNode*   metadata() const;
     std::uint32_t debugFlags() const { return _debugFlags; }
     void          setDebugFlags(std::uint32_t flags) { _debugFlags = flags; }
     bool          checkLogFeature(LogFeature feature) const { return (_debugFlags >> feature) & 1u; }
 
-    // The node's reaction to a change of one of its fields; false stops the change there.
-    virtual bool fieldChanged(Field& field, const double& time, Field* source);
+    // Parents.
+    using ParentList = std::vector<NodeLink*>;
+    const ParentList&          parentLinks() const { return _parentLinks; }
+    ParentList::const_iterator beginParent() const { return _parentLinks.begin(); }
+    ParentList::const_iterator endParent() const { return _parentLinks.end(); }
+    unsigned                   parentCount() const { return static_cast<unsigned>(_parentLinks.size()); }
+    bool                       hasParents() const { return !_parentLinks.empty(); }
+    NodeLink*                  getFirstParent() const { return _parentLinks.empty() ? nullptr : _parentLinks.front(); }
+    NodeLink*                  getLastParent() const { return _parentLinks.empty() ? nullptr : _parentLinks.back(); }
 
-    const std::vector<NodeLink*>& parentLinks() const { return _parentLinks; }
-    void addParentLink(NodeLink* link) { _parentLinks.push_back(link); }
-    bool removeParentLink(NodeLink* link);
+    // Children.
+    NodeLink* addChild(Node* child, const char* fieldName = nullptr, NameSpaceTransfer transfer = KeepNameSpace,
+                       NodeTypeMatchMode match = BestMatch);
+    bool      removeChild(Node* child);
+    void      removeAllChildren(const double& time);
+    void      removeAllParentLinks(const double& time);
+    NodeLink* findChildLink(Node* child) const;
+    unsigned  childCount() const;
+    // Every node below this one, each once, depth first in field order.
+    void      collectAllChildren(std::vector<Node*>& out, bool recursive = true) const;
+    // Puts `other` in this node's place in every parent.
+    bool      replace(Node& other);
+    // Moves the children of `other` into the same fields of this node; context roots only.
+    bool      merge(Node& other);
+    // A node of the same type with the same field values; children are shared, not copied.
+    Node*     clone(NodeNameSpace* nameSpace = nullptr, const char* name = nullptr) const;
+    bool      transfer(const double& time, NodeNameSpace& nameSpace);
+    // The live nodes of `type` (all with null), with `derived` also of its descendants.
+    static int fillNodeVec(std::vector<Node*>& out, NodeType* type, bool derived);
 
-    // Sets the state directly; the lifecycle state machine is built on top of it.
-    void setStateUnchecked(NodeState state) { _state = state; }
+    void dump() const;
+    void dumpField(PartMask mask) const;
+
+    // Process-wide notifications; each is sent only when it has observers.
+    static Subject& newObjectSubject();
+    static Subject& stateChangedSubject();
+    static Subject& logFeatureChangedSubject();
+    static Subject& childAddedSubject();
+    static Subject& childRemovedSubject();
+    static Subject& nameSpaceChangedSubject();
+    static Subject& codeErrorSubject();
+    static Subject& deleteObjectSubject();
+
+    Node(const Node&) = delete;
+    Node& operator=(const Node&) = delete;
 
 protected:
+    Node(NodeType& type, NodeNameSpace& nameSpace, const char* name);
     ~Node() override;
 
+    // The last reference is gone: dispose and let the children go.
+    void shutdown() const override;
+
+    // Puts `field` into slot `id` as the part of `type`'s descriptor there; the old field of the
+    // slot, if any, is deleted. With `setDefault` the field takes its descriptor's default value.
+    bool regField(Field& field, NodeType& type, unsigned id, bool setDefault);
+    void unregField(unsigned id);
+    // Makes the field of descriptor `id` unless the node has it already.
+    Field* makeField(unsigned id, bool setDefault);
+
 private:
-    NodeType*              _type;
-    NodeProc*              _proc = nullptr;
-    std::vector<NodePart*> _parts;
-    std::vector<NodeLink*> _parentLinks;
-    std::uint64_t          _ID;
-    mutable std::string    _idStr;
-    NodeState              _state = Creation;
-    std::uint32_t          _flags = 0;
-    std::uint32_t          _debugFlags = 0;
-    PartMask               _changedMask;
-    PartMask               _isChangingMask;
+    friend class NodeLink;
+    friend class NodeNameSpace;
+    friend class NodeType;
+
+    bool setState(const double& time, NodeState state);
+    bool updateTreeState(const double& time, NodeState state);
+    void updateLogFeature();
+    void addParentLink(NodeLink* link) { _parentLinks.push_back(link); }
+    bool removeParentLink(NodeLink* link);
+    Field* placeDynamicField(NodePartDesc* desc);
+
+    NodeType*                          _type;
+    NodeProc*                          _proc = nullptr;
+    NodeNameSpace*                     _nameSpace;
+    std::shared_ptr<const std::string> _name;
+    mutable std::string                _idStr;
+    std::uint64_t                      _ID = 0;
+    NodeState                          _state = Creation;
+    NodeCreator                        _creator = UnknownCreator;
+    std::uint32_t                      _flags = 0;
+    std::uint32_t                      _debugFlags = 0;
+    PartMask                           _logFeatureMask;
+    PartMask                           _changedMask;
+    PartMask                           _isChangingMask;
+    std::vector<NodePart*>             _parts;
+    ParentList                         _parentLinks;
 };
 
 } // namespace Orvane

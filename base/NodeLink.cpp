@@ -1,16 +1,32 @@
 #include "base/NodeLink.h"
 
 #include "base/Field.h"
+#include "base/Log.h"
 #include "base/Node.h"
+#include "base/NodePartDesc.h"
+#include "base/NodeProc.h"
+#include "base/NodeType.h"
+#include "base/Subject.h"
 
 namespace Orvane {
 
+const PartMask NodeLink::_nullMask;
+
+Subject& NodeLink::newLinkSubject()
+{
+    static Subject& subject = *new Subject("newLink");
+    return subject;
+}
+
+Subject& NodeLink::deleteLinkSubject()
+{
+    static Subject& subject = *new Subject("deleteLink");
+    return subject;
+}
+
 NodeLink::NodeLink() = default;
 
-NodeLink::NodeLink(const NodeLink& other)
-{
-    setNode(other.directNode());
-}
+NodeLink::NodeLink(const NodeLink&) : BaseObject() {}
 
 NodeLink& NodeLink::operator=(const NodeLink& other)
 {
@@ -21,8 +37,10 @@ NodeLink& NodeLink::operator=(const NodeLink& other)
 
 NodeLink::~NodeLink()
 {
-    // The parent is going away: no change to report.
-    detachChild();
+    if (_node) {
+        _node->removeParentLink(this);
+        _node = nullptr;
+    }
 }
 
 Node* NodeLink::parent() const
@@ -30,40 +48,105 @@ Node* NodeLink::parent() const
     return _field ? &_field->owner() : nullptr;
 }
 
-void NodeLink::detachChild()
+NodeType* NodeLink::nodeType() const
 {
-    if (!_node)
-        return;
-    _node->removeParentLink(this);
-    _node = nullptr;
+    return _node ? &_node->type() : nullptr;
 }
 
-bool NodeLink::setNode(const Node* node)
+Node* NodeLink::node() const
 {
-    if (node == _node.get())
-        return true;
-    detachChild();
-    if (node) {
-        Node* child = const_cast<Node*>(node);
-        _node = child;
-        child->addParentLink(this);
-    }
+    // Prototype instances answer with the first node of their body; until they exist every
+    // child is its own answer.
+    return _node.get();
+}
+
+unsigned NodeLink::getFieldID() const
+{
+    return _field && _field->desc() ? _field->desc()->ID() : ~0u;
+}
+
+PartMask NodeLink::getFieldMask() const
+{
+    return _field ? _field->mask() : _nullMask;
+}
+
+void NodeLink::markParent() const
+{
     if (Node* owner = parent()) {
         owner->setFlag(Node::ChildChangedFlag);
         owner->markParent(1);
     }
+}
+
+bool NodeLink::setNode(const Node* node)
+{
+    Node* child = const_cast<Node*>(node);
+    if (child == _node.get())
+        return true;
+
+    NodeType* allowed = nullptr;
+    if (_field && _field->desc() && _field->desc()->valueRestriction() == NodeTypeRestriction)
+        allowed = _field->desc()->nodeType();
+    Node* owner = parent();
+
+    if (_node) {
+        Node* old = _node.get();
+        if (deleteLinkSubject().observerCount())
+            deleteLinkSubject().notify(0.0, this);
+        if (owner) {
+            if (owner->proc())
+                owner->proc()->childRemoved(*this);
+            else
+                ORV_FATAL("Parent without proc %s/%s\n", owner->type().name().c_str(), owner->getIDStr().c_str());
+        }
+        if (old->proc())
+            old->proc()->parentRemoved(*this);
+        if (!old->removeParentLink(this))
+            ORV_FATAL("Invalid parent link removal: %d\n", static_cast<int>(old->parentCount()));
+        if ((owner && owner->checkLogFeature(LogChild)) || old->checkLogFeature(LogParent))
+            ORV_PLOG("%s/%s child %s/%s removed (%s)\n", owner ? owner->type().name().c_str() : "NoParent",
+                     owner ? owner->getIDStr().c_str() : "NoName", old->type().name().c_str(),
+                     old->getIDStr().c_str(), _field && _field->desc() ? _field->nameOrNoName() : "NoNameField");
+        // May be the last reference: the child shuts down here.
+        _node = nullptr;
+    }
+
+    if (!child) {
+        markParent();
+        return true;
+    }
+
+    // The old child is gone already, so a refused child leaves the link empty.
+    if (allowed && !child->type().isA(*allowed)) {
+        ORV_WARNING("Can't NodeLink::setNode() for node %s of type %s, because NodeLink needs %s Node\n",
+                    child->getIDStr().c_str(), child->type().name().c_str(), allowed->name().c_str());
+        return false;
+    }
+
+    _node = child;
+    child->addParentLink(this);
+    if ((owner && owner->checkLogFeature(LogChild)) || child->checkLogFeature(LogParent))
+        ORV_PLOG("%s/%s child %s/%s added (%s)\n", owner ? owner->type().name().c_str() : "NoParent",
+                 owner ? owner->getIDStr().c_str() : "NoName", child->type().name().c_str(),
+                 child->getIDStr().c_str(), _field && _field->desc() ? _field->nameOrNoName() : "NoNameField");
+
+    if (newLinkSubject().observerCount())
+        newLinkSubject().notify(0.0, this);
+    if (owner && owner->proc())
+        owner->proc()->childAdded(*this);
+    if (child->proc())
+        child->proc()->parentAdded(*this);
+    markParent();
     return true;
 }
 
 void NodeLink::swap(NodeLink& other)
 {
-    Node* mine = _node.get();
-    Node* theirs = other._node.get();
+    SmartPtr<Node> mine(_node.get()), theirs(other._node.get());
     if (mine == theirs)
         return;
-    SmartPtr<Node> keepMine(mine), keepTheirs(theirs);
-    setNode(theirs);
-    other.setNode(mine);
+    setNode(theirs.get());
+    other.setNode(mine.get());
 }
 
 } // namespace Orvane

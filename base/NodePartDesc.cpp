@@ -1,6 +1,12 @@
 #include "base/NodePartDesc.h"
 
 #include "base/Log.h"
+#include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <strings.h>
 
 namespace Orvane {
 
@@ -9,6 +15,36 @@ namespace {
 std::string text(const char* t)
 {
     return t ? std::string(t) : std::string();
+}
+
+std::vector<std::string> splitWords(const std::string& value)
+{
+    static const char* const separators = "[]() ;,";
+    std::vector<std::string> words;
+    std::string::size_type pos = 0;
+    while (pos < value.size()) {
+        auto start = value.find_first_not_of(separators, pos);
+        if (start == std::string::npos)
+            break;
+        auto end = value.find_first_of(separators, start);
+        if (end == std::string::npos)
+            end = value.size();
+        words.push_back(value.substr(start, end - start));
+        pos = end;
+    }
+    return words;
+}
+
+const char* restrictionName(NodePartValueRestriction restriction)
+{
+    switch (restriction) {
+    case NoRestriction:       return "none";
+    case CDataRestriction:    return "cdata";
+    case NodeTypeRestriction: return "nodeType";
+    case RangeRestriction:    return "range";
+    case ListRestriction:     return "list";
+    default:                  return "unset";
+    }
 }
 
 } // namespace
@@ -46,6 +82,22 @@ NodePartDesc::NodePartDesc(unsigned id, PartMask mask, NodePartType partType, No
     }
 }
 
+NodePartDesc::NodePartDesc(const NodePartDesc& other, const PartMask* mask)
+    : BaseObject(), _flags(other._flags), _ID(other._ID), _mask(mask ? *mask : other._mask),
+      _partType(other._partType), _dataType(other._dataType), _valueType(other._valueType),
+      _ownerType(other._ownerType), _valueRestriction(other._valueRestriction), _nodeType(other._nodeType),
+      _minValue(other._minValue), _maxValue(other._maxValue), _valueList(other._valueList),
+      _fieldName(other._fieldName), _inSlotName(other._inSlotName), _outSlotName(other._outSlotName),
+      _defaultValue(other._defaultValue), _group(other._group), _description(other._description),
+      _further(other._further), _isLinkMap(other._isLinkMap)
+{
+}
+
+bool NodePartDesc::holdsField() const
+{
+    return _partType != InvalidPartType && FieldType::findType(_dataType) != nullptr;
+}
+
 const char* NodePartDesc::partTypeName(NodePartType partType)
 {
     switch (partType) {
@@ -57,6 +109,162 @@ const char* NodePartDesc::partTypeName(NodePartType partType)
     }
     ORV_WARNING("Invalid partType %d, cannot find name entry\n", static_cast<int>(partType));
     return "Invalid Part Type";
+}
+
+void NodePartDesc::init(NodeType& owner)
+{
+    _ownerType = &owner;
+    _valueRestriction = NoRestriction;
+    _nodeType = nullptr;
+    _valueList.clear();
+    if (_valueType.empty())
+        return;
+    std::vector<std::string> words = splitWords(_valueType);
+    if (words.empty())
+        return;
+    if (words.size() == 1 && words[0] == "cdata") {
+        _valueRestriction = CDataRestriction;
+        return;
+    }
+    switch (_dataType) {
+    case SFNodeType:
+    case MFNodeType:
+        if (words.size() > 1) {
+            ORV_WARNING("%s.%s: Only one value allowed in _valueType\n", _fieldName.c_str(), owner.name().c_str());
+            return;
+        }
+        _valueRestriction = NodeTypeRestriction;
+        _valueType = words[0];
+        break;
+    case SFDoubleType:
+    case MFDoubleType:
+    case SFFloatType:
+    case MFFloatType:
+    case SFInt32Type:
+    case MFInt32Type:
+        if (words.size() != 2) {
+            ORV_WARNING("%s.%s: Need two min;max values in _valueType\n", _fieldName.c_str(), owner.name().c_str());
+            return;
+        }
+        _valueRestriction = RangeRestriction;
+        _minValue = std::strtod(words[0].c_str(), nullptr);
+        _maxValue = std::strtod(words[1].c_str(), nullptr);
+        break;
+    case SFStringType:
+    case MFStringType:
+        if (words.size() >= 2) {
+            _valueRestriction = ListRestriction;
+            _valueList.assign(words.begin(), words.end());
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+// Resolved late: the restricted type may be registered after the type that names it.
+void NodePartDesc::updateNodeType() const
+{
+    if (!_ownerType) {
+        ORV_FATAL("No valid _refType, cannot update nodeType: %s\n", _valueType.c_str());
+        return;
+    }
+    _nodeType = NodeTypeNameSpace::findType(&_ownerType->nameSpace(), _valueType, CaseSensitive);
+    if (!_nodeType)
+        ORV_FATAL("Cannot find %s for %s ref\n", _valueType.c_str(), _ownerType->name().c_str());
+}
+
+NodeType* NodePartDesc::nodeType() const
+{
+    if (_valueRestriction != NodeTypeRestriction)
+        return nullptr;
+    if (!_nodeType)
+        updateNodeType();
+    return _nodeType;
+}
+
+std::string NodePartDesc::valueListElem(const std::string& current, ListSelect select) const
+{
+    if (_valueRestriction != ListRestriction) {
+        ORV_WARNING("%s is not a list (%s)\n", _fieldName.c_str(), _valueType.c_str());
+        return current;
+    }
+    if (_valueList.empty()) {
+        ORV_WARNING("%s holds empty list\n", _fieldName.c_str());
+        return current;
+    }
+    if (select == FirstElem)
+        return _valueList.front();
+    if (select == LastElem)
+        return _valueList.back();
+    if (select == RandomElem) {
+        std::size_t index = static_cast<std::size_t>(std::rand() % 32768) * _valueList.size() / 32768;
+        return *std::next(_valueList.begin(), static_cast<std::ptrdiff_t>(index));
+    }
+    // The current text matches every element that it is a prefix of: "li" selects "Linear".
+    auto found = _valueList.begin();
+    for (; found != _valueList.end(); ++found) {
+        if (found->size() >= current.size() && strncasecmp(found->c_str(), current.c_str(), current.size()) == 0)
+            break;
+    }
+    if (found == _valueList.end()) {
+        ORV_WARNING("%s(%s) Invalid CurrentElem: %s; can not select\n", _fieldName.c_str(), _valueType.c_str(),
+                    current.c_str());
+        return current;
+    }
+    auto last = std::prev(_valueList.end());
+    switch (select) {
+    case NextElem:
+        return found == last ? *found : *std::next(found);
+    case PrevElem:
+        return found == _valueList.begin() ? *found : *std::prev(found);
+    case NextElemWrap:
+        return found == last ? _valueList.front() : *std::next(found);
+    case PrevElemWrap:
+        return found == _valueList.begin() ? _valueList.back() : *std::prev(found);
+    default:
+        return *found;
+    }
+}
+
+void NodePartDesc::addIsLink(const std::string& key, std::uint32_t partID)
+{
+    _isLinkMap[key].push_back(partID);
+}
+
+std::string& NodePartDesc::getIDStr(std::string& out) const
+{
+    out.clear();
+    if (_ownerType)
+        out = _ownerType->name() + ".";
+    out += _fieldName;
+    return out;
+}
+
+void NodePartDesc::dump() const
+{
+    auto yesNo = [](bool on) { return on ? "true" : "false"; };
+    ORV_PLOG("NodePartDesc:       %s\n", _fieldName.c_str());
+    ORV_PLOG("  ID:               %u\n", _ID);
+    ORV_PLOG("  Mask value:       %llu\n", _mask.value());
+    ORV_PLOG("  partType:         %s\n", partTypeName());
+    ORV_PLOG("  dataType:         %s\n", dataTypeName().c_str());
+    ORV_PLOG("  valueType:        %s\n", _valueType.c_str());
+    ORV_PLOG("  valueRestriction: %s\n", restrictionName(_valueRestriction));
+    ORV_PLOG("  name:             %s\n", _fieldName.c_str());
+    ORV_PLOG("  group:             %s\n", _group.c_str());
+    ORV_PLOG("  fieldName:        %s\n", _fieldName.c_str());
+    ORV_PLOG("  inSlotName:       %s\n", _inSlotName.c_str());
+    ORV_PLOG("  outSlotName:      %s\n", _outSlotName.c_str());
+    ORV_PLOG("  defaultValue:     %s\n", _defaultValue.c_str());
+    ORV_PLOG("  autoProcess:      %s\n", yesNo(autoProcess()));
+    ORV_PLOG("  privateAccess:    %s\n", yesNo(privateAccess()));
+    ORV_PLOG("  objExtension:     %s\n", yesNo(objExtension()));
+    ORV_PLOG("  typeExtension:    %s\n", yesNo(typeExtension()));
+    ORV_PLOG("  deprecated:       %s\n", yesNo(deprecated()));
+    ORV_PLOG("  derived:          %s\n", yesNo(derived()));
+    ORV_PLOG("  description:      %s\n", _description.c_str());
+    ORV_PLOG("  isLinkMap size:   %zu\n", _isLinkMap.size());
 }
 
 } // namespace Orvane

@@ -3,19 +3,69 @@
 
 #include "base/OrvaneExport.h"
 
+#include <string>
+
 namespace Orvane {
 
 class Field;
 class Node;
+class NodeLink;
+class Route;
+class WriteAction;
 
-// The behaviour of one node: the node calls these hooks; the default processor accepts every
-// change and does nothing else.
+// The behaviour of one node, made by its type's processor factory and owned by the node. The
+// node calls these hooks; the default processor accepts every change and does nothing else, so a
+// type without behaviour of its own can use it as it is.
 class ORVANE_API NodeProc {
 public:
+    NodeProc() = default;
+    explicit NodeProc(Node& node) : _node(&node) {}
+    NodeProc(const NodeProc&) = delete;
+    NodeProc& operator=(const NodeProc&) = delete;
     virtual ~NodeProc() = default;
+
+    // The node it drives; set when the node takes the processor.
+    Node* node() const { return _node; }
+
+    // Lifecycle, in the order the node's state machine calls them: setup (Creation to Setup),
+    // initialize (to Realize), attach (to Live), detach (Live to Realize), shutdown (Realize to
+    // Setup), dispose (to Dispose). The node's state already is the one being entered.
+    virtual void setup(const double& time) {}
+    virtual void initialize(const double& time) {}
+    virtual void attach(const double& time) {}
+    virtual void detach(const double& time) {}
+    virtual void shutdown(const double& time) {}
+    virtual void dispose(const double& time) {}
 
     // A field of the node changed; false stops the change from being sent on.
     virtual bool fieldChanged(Node& node, Field& field, const double& time, Field* source) { return true; }
+
+    // The node got or lost a child (the link is one of the node's own), or a parent (the link
+    // is the parent's).
+    virtual void childAdded(NodeLink& link) {}
+    virtual void childRemoved(NodeLink& link) {}
+    virtual void parentAdded(NodeLink& link) {}
+    virtual void parentRemoved(NodeLink& link) {}
+
+    // A route from or to one of the node's fields was made or deleted.
+    virtual void routeAdded(Route& route) {}
+    virtual void routeRemoved(Route& route) {}
+
+    // An event of an exported field is passed to the importing side.
+    virtual void exportEvent(Field& field, const double& time) {}
+
+    // Writes the node itself; false lets the writer write it in the common way.
+    virtual bool write(WriteAction& action) { return false; }
+
+    // Takes over the state of `from`, the processor of the node this one's node was copied from.
+    virtual void copy(const NodeProc& from) {}
+
+    // A short text about the processor's state for diagnostics; empty by default.
+    virtual std::string info() const { return std::string(); }
+
+private:
+    friend class Node;
+    Node* _node = nullptr;
 };
 
 } // namespace Orvane

@@ -1,16 +1,595 @@
 #include "base/NodeType.h"
 
+#include "base/Component.h"
+#include "base/Field.h"
+#include "base/Log.h"
+#include "base/MFNode.h"
+#include "base/NodeNameSpace.h"
 #include "base/NodePartDesc.h"
+#include "base/NodeProc.h"
+#include "base/NodeTypeNameSpace.h"
+#include "base/SFNode.h"
+#include "base/Subject.h"
+
+#include <algorithm>
+#include <cctype>
 
 namespace Orvane {
 
-NodeType::NodeType(const char* name, NodePartDesc* descs, unsigned count) : _name(name ? name : "")
+namespace {
+
+// The process-wide type state. Never destroyed, so that static types can unregister at exit.
+struct TypeRegistry {
+    std::map<std::uint32_t, NodeType*>* idMap = nullptr;  // made with the first type
+    std::uint32_t                       nextID = 1;
+    std::vector<NodeType*>              contextRoots;
+};
+
+TypeRegistry& registry()
 {
-    _parts.reserve(count);
-    for (unsigned i = 0; i < count; ++i) {
-        _parts.push_back(&descs[i]);
-        descs[i].init(*this);
+    static TypeRegistry& r = *new TypeRegistry;
+    return r;
+}
+
+std::string text(const char* t)
+{
+    return t ? std::string(t) : std::string();
+}
+
+std::string toLower(std::string s)
+{
+    for (char& c : s)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return s;
+}
+
+// The copy of the map that the walks work on, taken under the mutex.
+std::vector<NodeType*> typeSnapshot()
+{
+    std::vector<NodeType*> types;
+    std::lock_guard<std::mutex> lock(NodeType::typeIDMapMutex());
+    if (registry().idMap)
+        for (const auto& [id, type] : *registry().idMap)
+            types.push_back(type);
+    return types;
+}
+
+// What the parent of a new node is, and the node namespace it gives.
+enum ParentKind { NoParent, NameSpaceParent, NodeParent, SFNodeParent, MFNodeParent };
+
+NodeNameSpace* parentNameSpace(BaseObject* parent, ParentKind& kind)
+{
+    kind = NoParent;
+    if (!parent)
+        return nullptr;
+    if (auto* ns = dynamic_cast<NodeNameSpace*>(parent)) {
+        kind = NameSpaceParent;
+        return ns;
     }
+    if (auto* node = dynamic_cast<Node*>(parent)) {
+        kind = NodeParent;
+        return &node->nameSpace();
+    }
+    if (auto* field = dynamic_cast<SFNode*>(parent)) {
+        kind = SFNodeParent;
+        return &field->owner().nameSpace();
+    }
+    if (auto* field = dynamic_cast<MFNode*>(parent)) {
+        kind = MFNodeParent;
+        return &field->owner().nameSpace();
+    }
+    return nullptr;
+}
+
+// The attachment under which a context-root node keeps the namespace made for it.
+int nameSpaceAttachmentID()
+{
+    static const int id = AttachmentBag::createUniqueID();
+    return id;
+}
+
+} // namespace
+
+std::mutex& NodeType::typeIDMapMutex()
+{
+    static std::mutex& mutex = *new std::mutex;
+    return mutex;
+}
+
+NodeType::NodeType(NodeTypeNameSpace& nameSpace, const char* name, const char* library, const char* parentName,
+                   const char* defaultDescendantOf, const char* version, const char* component,
+                   const char* comment, const char* status, const char* description, const char* standard,
+                   bool isExtensible, bool isContextRoot, TypeCheckFunc typeCheck, CreateFunc creator,
+                   ProcFactory procFactory, NodePartDesc* descs, unsigned descCount)
+    : _nameSpace(&nameSpace), _name(text(name)), _library(text(library)), _parentName(text(parentName)),
+      _defaultDescendantOf(text(defaultDescendantOf)), _version(text(version)), _component(text(component)),
+      _comment(text(comment)), _status(text(status)), _description(text(description)), _standard(text(standard)),
+      _isExtensible(isExtensible), _typeCheck(typeCheck), _creator(creator), _procFactory(procFactory),
+      _isContextRoot(isContextRoot)
+{
+    if (!name)
+        ORV_FATAL("NATIVE NodeType without a name\n");
+    TypeRegistry& r = registry();
+    {
+        std::lock_guard<std::mutex> lock(typeIDMapMutex());
+        _ID = r.nextID++;
+    }
+    _localDescVec.reserve(descCount);
+    for (unsigned i = 0; i < descCount; ++i)
+        _localDescVec.push_back(descs ? &descs[i] : nullptr);
+
+    if (_isContextRoot) {
+        if (findContextRootType(_name)) {
+            ORV_FATAL("Second Context Root Type with equal name: >%s<", _name.c_str());
+        } else {
+            ORV_INFO("Register Context Root Type: %s\n", _name.c_str());
+            r.contextRoots.push_back(this);
+        }
+    }
+    if (!component)
+        ORV_WARNING("NodeType %s is not assigned to any compnent\n", _name.c_str());
+    {
+        std::lock_guard<std::mutex> lock(typeIDMapMutex());
+        if (!r.idMap) {
+            ORV_INFO("Create node typeIDMap\n");
+            r.idMap = new std::map<std::uint32_t, NodeType*>;
+        }
+        (*r.idMap)[_ID] = this;
+    }
+    ORV_INFO("Add Native Node type: %s\n", _name.c_str());
+    if (_component.empty())
+        ORV_WARNING("Concrete NodeType >%s< is not assigned to any component\n", _name.c_str());
+    else
+        Component::regType(*this);
+    nameSpace.regType(*this);
+}
+
+NodeType::~NodeType()
+{
+    TypeRegistry& r = registry();
+    std::vector<NodeType*> others;
+    {
+        std::lock_guard<std::mutex> lock(typeIDMapMutex());
+        if (r.idMap) {
+            r.idMap->erase(_ID);
+            for (const auto& [id, type] : *r.idMap)
+                others.push_back(type);
+        }
+    }
+    r.contextRoots.erase(std::remove(r.contextRoots.begin(), r.contextRoots.end(), this), r.contextRoots.end());
+    if (_compObj)
+        _compObj->unregType(*this);
+    if (_nameSpace)
+        _nameSpace->unregType(*this);
+    NodeTypeNameSpace::forgetTypeEverywhere(*this);
+    if (_parentNodeType)
+        _parentNodeType->_derivedNodeTypeList.remove(this);
+    for (NodeType* child : _derivedNodeTypeList)
+        child->_parentNodeType = nullptr;
+    for (NodeType* other : others)
+        if (other->_defaultDescendant == this)
+            other->_defaultDescendant = nullptr;
+}
+
+// --- queries ---
+
+NodePartDesc* NodeType::findPart(const std::string& name) const
+{
+    for (NodePartDesc* desc : _descVec)
+        if (desc && desc->name() == name)
+            return desc;
+    return nullptr;
+}
+
+NodePartDesc* NodeType::findFieldPart(const std::string& name) const
+{
+    auto found = _fieldMap.find(name);
+    return found == _fieldMap.end() ? nullptr : found->second;
+}
+
+NodePartDesc* NodeType::findInSlotPart(const std::string& name) const
+{
+    auto found = _inSlotMap.find(name);
+    return found == _inSlotMap.end() ? nullptr : found->second;
+}
+
+NodePartDesc* NodeType::findOutSlotPart(const std::string& name) const
+{
+    auto found = _outSlotMap.find(name);
+    return found == _outSlotMap.end() ? nullptr : found->second;
+}
+
+bool NodeType::fillAbsolutAddress(std::string& out) const
+{
+    bool complete = _nameSpace && _nameSpace->fillAbsolutAddress(out);
+    out = out.empty() ? _name : out + "::" + _name;
+    return complete && !_name.empty();
+}
+
+bool NodeType::hasAbsolutAddress() const
+{
+    std::string address;
+    return fillAbsolutAddress(address);
+}
+
+// --- type tree ---
+
+// Prototype types take part in the walk through their declarations; they arrive with the
+// prototypes, until then every type walks its parent chain.
+std::int32_t NodeType::isADistance(const NodeType& other) const
+{
+    std::int32_t distance = 0;
+    for (const NodeType* t = this; t; t = t->_parentNodeType, ++distance)
+        if (t == &other)
+            return distance;
+    return -1;
+}
+
+bool NodeType::isA(const NodeType& other) const
+{
+    for (const NodeType* t = this; t; t = t->_parentNodeType)
+        if (t == &other)
+            return true;
+    return false;
+}
+
+bool NodeType::isAGenericGroupNode() const
+{
+    for (NodePartDesc* desc : _descVec) {
+        if (!desc || !desc->isNodeField())
+            continue;
+        if (desc->valueRestriction() != NodeTypeRestriction)
+            return true;
+        NodeType* allowed = desc->nodeType();
+        if (!allowed || allowed == &Node::classType())
+            return true;
+    }
+    return false;
+}
+
+bool NodeType::isALeafNode() const
+{
+    for (NodePartDesc* desc : _descVec)
+        if (desc && desc->isNodeField())
+            return false;
+    return true;
+}
+
+NodeType* NodeType::isDefaultDescendantOf() const
+{
+    if (_defaultDescendantOf.empty() || !_nameSpace)
+        return nullptr;
+    NodeType* abstract = NodeTypeNameSpace::findType(_nameSpace, _defaultDescendantOf, CaseSensitive);
+    return abstract && abstract->_defaultDescendant == this ? abstract : nullptr;
+}
+
+bool NodeType::setDefaultDescendant(NodeType* type)
+{
+    if (!isAbstract()) {
+        ORV_WARNING("NodeType::setDefaultDescendant() call on non-abstract type\n");
+        return false;
+    }
+    if (!type || !type->isA(*this)) {
+        ORV_WARNING("Invalid setDefaultDescendant(): %s is not a %s\n", type ? type->name().c_str() : "NULL",
+                    _name.c_str());
+        return false;
+    }
+    _defaultDescendant = type;
+    return true;
+}
+
+void NodeType::changeObjCounter(int delta) const
+{
+    for (const NodeType* t = this; t; t = t->_parentNodeType)
+        t->_objectCount += static_cast<std::uint32_t>(delta);
+}
+
+void NodeType::setStatusID()
+{
+    static const struct {
+        const char*    text;
+        NodeTypeStatus id;
+    } table[] = {{"experimental", ExperimentalStatus}, {"alpha", AlphaStatus}, {"beta", BetaStatus},
+                 {"stable", StableStatus}, {"deprecated", DeprecatedStatus}};
+    for (const auto& entry : table) {
+        if (_status == entry.text) {
+            _statusID = entry.id;
+            return;
+        }
+    }
+    _statusID = InvalidStatus;
+    ORV_FATAL("%s: Invalid status: %s\n", _name.c_str(), _status.c_str());
+}
+
+// --- initialisation ---
+
+int NodeType::initType(bool force)
+{
+    if (_isInitialized && !force)
+        return 0;
+    // Set first: a type reached again through its own parent chain stops there.
+    _isInitialized = true;
+    ORV_INFO("Init NATIVE Type %s\n", _name.c_str());
+    if (_parentNodeType)
+        _parentNodeType->_derivedNodeTypeList.remove(this);
+    _parentNodeType = nullptr;
+    _descVec.clear();
+    _fieldMap.clear();
+    _inSlotMap.clear();
+    _outSlotMap.clear();
+    _logFeatureMask.reset();
+
+    int failures = 0;
+    if (!_parentName.empty()) {
+        NodeType* parent = _nameSpace ? NodeTypeNameSpace::findType(_nameSpace, _parentName, CaseSensitive) : nullptr;
+        if (!parent || parent == this) {
+            ORV_FATAL("Can't find NodeType for %s, parent of %s\n", _parentName.c_str(), _name.c_str());
+            setStatusID();
+            return failures + 1;
+        }
+        failures += parent->initType(false);
+        _parentNodeType = parent;
+        for (std::size_t i = 0; i < parent->_descVec.size(); ++i) {
+            // The slot is kept even when empty, so that the IDs stay the slot indices.
+            if (!parent->_descVec[i]) {
+                ORV_FATAL("%s: Invalid 0 entry in _descVec at index %d\n", _name.c_str(), static_cast<int>(i));
+                ++failures;
+            }
+            _descVec.push_back(parent->_descVec[i]);
+        }
+        parent->_derivedNodeTypeList.push_back(this);
+    } else if (this != &Node::classType()) {
+        ORV_WARNING("%s Node Type without parent\n", _name.c_str());
+        ++failures;
+    }
+
+    for (NodePartDesc* desc : _localDescVec) {
+        if (!desc) {
+            ORV_FATAL("Invalid local desc in NodeType::init()\n");
+            ++failures;
+            continue;
+        }
+        if (findPart(desc->name())) {
+            ORV_WARNING("There is already a part %s in Type %s\n", desc->name().c_str(), _name.c_str());
+            ++failures;
+            continue;
+        }
+        desc->init(*this);
+        _descVec.push_back(desc);
+    }
+    for (NodePartDesc* desc : _descVec) {
+        if (!desc)
+            continue;
+        if (desc->holdsField())
+            _fieldMap.emplace(desc->fieldName(), desc);
+        if (!desc->inSlotName().empty())
+            _inSlotMap.emplace(desc->inSlotName(), desc);
+        if (!desc->outSlotName().empty())
+            _outSlotMap.emplace(desc->outSlotName(), desc);
+    }
+    if (!_descVec.empty() && _descVec[0] && _descVec[0]->ownerType() == &Node::classType())
+        _logFeatureMask = _descVec[0]->mask();
+
+    if (!_defaultDescendantOf.empty()) {
+        NodeType* abstract = NodeTypeNameSpace::findType(_nameSpace, _defaultDescendantOf, CaseSensitive);
+        if (abstract)
+            abstract->initType(false);
+        if (!abstract || !abstract->setDefaultDescendant(this)) {
+            ORV_WARNING("Can not set defaultDescendant for %s", _name.c_str());
+            ++failures;
+        }
+    }
+    setStatusID();
+    return failures;
+}
+
+int NodeType::initTypeTree(bool force)
+{
+    std::vector<NodeType*> types;
+    {
+        std::lock_guard<std::mutex> lock(typeIDMapMutex());
+        if (!registry().idMap) {
+            ORV_WARNING("Invalid _typeMap in initTypeTree()\n");
+            return 1;
+        }
+        for (const auto& [id, type] : *registry().idMap)
+            types.push_back(type);
+    }
+    ORV_INFO("init node types: %d types\n", static_cast<int>(types.size()));
+    int failures = 0;
+    for (NodeType* type : types) {
+        if (!type) {
+            ORV_FATAL("Found NULL type in _typeMap in initBuildInNodeTree\n");
+            ++failures;
+            continue;
+        }
+        failures += type->initType(force);
+    }
+    return failures;
+}
+
+// --- process-wide look-ups ---
+
+NodeType* NodeType::findType(unsigned int id)
+{
+    std::lock_guard<std::mutex> lock(typeIDMapMutex());
+    if (!registry().idMap)
+        return nullptr;
+    auto found = registry().idMap->find(id);
+    return found == registry().idMap->end() ? nullptr : found->second;
+}
+
+unsigned NodeType::typeCount()
+{
+    std::lock_guard<std::mutex> lock(typeIDMapMutex());
+    return registry().idMap ? static_cast<unsigned>(registry().idMap->size()) : 0;
+}
+
+int NodeType::getTypeVec(std::vector<NodeType*>& out, int filter)
+{
+    out.clear();
+    for (NodeType* type : typeSnapshot()) {
+        bool take = filter == 0 || (filter == 1 && !type->isAbstract() && !type->isProto()) ||
+                    (filter == 2 && type->isAbstract()) || (filter == 3 && type->isProto());
+        if (take)
+            out.push_back(type);
+    }
+    return static_cast<int>(out.size());
+}
+
+NodeType* NodeType::findContextRootType(const std::string& name)
+{
+    for (NodeType* type : registry().contextRoots)
+        if (type->_name == name)
+            return type;
+    return nullptr;
+}
+
+void NodeType::dump() const
+{
+    ORV_PLOG("NodeType: %s (ID %u), library %s, parent %s, component %s, status %s, %s%s%u parts, %u nodes\n",
+             _name.c_str(), _ID, _library.c_str(), _parentNodeType ? _parentNodeType->_name.c_str() : "none",
+             _component.c_str(), _status.c_str(), isAbstract() ? "abstract, " : "", isProto() ? "proto, " : "",
+             partCount(), _objectCount);
+}
+
+void NodeType::dumpStatic()
+{
+    for (NodeType* type : typeSnapshot())
+        type->dump();
+}
+
+int NodeType::reportDocStatus(std::ostream& out, bool verbose)
+{
+    int undocumented = 0;
+    for (NodeType* type : typeSnapshot()) {
+        int missing = type->_description.empty() ? 1 : 0;
+        for (NodePartDesc* desc : type->_localDescVec)
+            if (desc && desc->description().empty())
+                ++missing;
+        if (missing)
+            ++undocumented;
+        if (missing || verbose)
+            out << type->_name << ": " << type->_status << ", " << missing << " texts missing\n";
+    }
+    return undocumented;
+}
+
+// --- creation ---
+
+Node* NodeType::createNode(BaseObject* parent, const char* typeName, const char* name, NodeCreator creator)
+{
+    ParentKind kind;
+    NodeNameSpace* ns = parentNameSpace(parent, kind);
+    if (!ns) {
+        ORV_WARNING("Invalid nodespace while creating Node instance\n");
+        return nullptr;
+    }
+    NodeType* type = NodeTypeNameSpace::findType(&ns->nodeTypeNameSpace(), text(typeName), CaseSensitive);
+    if (!type) {
+        ORV_WARNING("Could not find/load type %s to create node\n", typeName ? typeName : "");
+        return nullptr;
+    }
+    return type->createNode(parent, name, creator);
+}
+
+NodeProc* NodeType::createProc(Node& node) const
+{
+    NodeProc* proc = _procFactory ? _procFactory(const_cast<NodeType&>(*this), node) : nullptr;
+    if (!proc)
+        ORV_WARNING("NodeType::createProc failed\n");
+    return proc;
+}
+
+Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator creator) const
+{
+    NodeType& self = const_cast<NodeType&>(*this);
+    ParentKind kind;
+    NodeNameSpace* ns = parentNameSpace(parent, kind);
+
+    if (!_isContextRoot && !ns) {
+        // The message lost its second conversion long ago; it is kept as it reads.
+        ORV_FATAL("%s/%%: No valid NodeNameSpace in createNode\n", _name.c_str());
+        return nullptr;
+    }
+
+    std::string nodeName = text(name);
+    SmartPtr<NodeNameSpace> ownNameSpace;
+    if (_isContextRoot) {
+        if (ns)
+            ORV_WARNING("NameSpace given while create ContextRoot node\n");
+        std::vector<std::string> pieces;
+        std::string::size_type pos = 0;
+        while (pos <= nodeName.size()) {
+            auto end = nodeName.find(':', pos);
+            if (end == std::string::npos)
+                end = nodeName.size();
+            if (end > pos)
+                pieces.push_back(nodeName.substr(pos, end - pos));
+            pos = end + 1;
+        }
+        std::string nsName;
+        if (pieces.size() > 1) {
+            nsName = pieces[0];
+            nodeName = pieces[1];
+            ORV_INFO("ContextRoot NameSpace: %s, Name: %s\n", nsName.c_str(), nodeName.c_str());
+        } else {
+            nsName = toLower(_name);
+        }
+        ownNameSpace = new NodeNameSpace(nsName.c_str(), nullptr, _nameSpace);
+        ns = ownNameSpace.get();
+    }
+
+    if (isAbstract()) {
+        if (_defaultDescendant) {
+            ORV_INFO("Create _defaultDescendant Node of type %s for %s\n", _defaultDescendant->_name.c_str(),
+                     _name.c_str());
+            return _defaultDescendant->createNode(parent, name, SystemCreator);
+        }
+        ORV_WARNING("Could not create %s node in NodeType::createNode()\n", _name.c_str());
+        return nullptr;
+    }
+    if (isProto()) {
+        ORV_WARNING("Can not create %s node: prototype instances are not supported yet\n", _name.c_str());
+        return nullptr;
+    }
+
+    // Types are completed at start-up; one made later is completed on its first node.
+    if (!_isInitialized)
+        self.initType(false);
+
+    Node* node = _creator(self, *ns, nodeName.empty() ? nullptr : nodeName.c_str());
+    if (!node) {
+        ORV_WARNING("Could not create %s node in NodeType::createNode()\n", _name.c_str());
+        return nullptr;
+    }
+
+    for (NodePartDesc* desc : _descVec)
+        if (desc && desc->holdsField())
+            node->makeField(desc->ID(), false);
+    if (!node->proc())
+        node->setProc(createProc(*node));
+
+    if (_statusID == DeprecatedStatus)
+        ORV_FATAL("%s/%s Type is DEPRECATED: %s\n", _name.c_str(), node->getIDStr().c_str(), _comment.c_str());
+
+    node->_creator = creator;
+    node->setState(0.0, Setup);
+
+    if (_isContextRoot) {
+        node->setAttachment(nameSpaceAttachmentID(), ownNameSpace.get());
+        ownNameSpace->setRoot(*node);
+    } else if (kind == NodeParent) {
+        static_cast<Node*>(parent)->addChild(node);
+    } else if (kind == SFNodeParent) {
+        static_cast<SFNode*>(parent)->setNode(node);
+    } else if (kind == MFNodeParent) {
+        static_cast<MFNode*>(parent)->addChild(node);
+    }
+
+    if (Node::newObjectSubject().observerCount())
+        Node::newObjectSubject().notify(0.0, node);
+    return node;
 }
 
 } // namespace Orvane

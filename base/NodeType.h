@@ -1,33 +1,172 @@
 #ifndef ORVANE_BASE_NODETYPE_H
 #define ORVANE_BASE_NODETYPE_H
 
-#include "base/BaseObject.h"
+#include "base/BitVector.h"
+#include "base/Node.h"
+#include "base/RefCountObject.h"
 
+#include <cstdint>
+#include <list>
+#include <map>
+#include <mutex>
+#include <ostream>
 #include <string>
 #include <vector>
 
 namespace Orvane {
 
+class Component;
 class Node;
+class NodeNameSpace;
 class NodePartDesc;
+class NodeProc;
+class NodeTypeNameSpace;
 class ProtoDeclaration;
 
-// One kind of scene-graph node: its name and the descriptors of its parts, in slot order.
-class ORVANE_API NodeType : public BaseObject {
+// The status text of a type, as a number.
+enum NodeTypeStatus : std::int32_t {
+    InvalidStatus = 0, ExperimentalStatus = 1, AlphaStatus = 2, BetaStatus = 3, StableStatus = 4,
+    DeprecatedStatus = 5,
+};
+
+// One kind of scene-graph node: its place in the type tree, its descriptors in slot order, and the
+// functions that check, create and drive its nodes. Native types are declared by static
+// registration code; abstract types have neither creator nor prototype.
+class ORVANE_API NodeType : public RefCountObject {
 public:
-    NodeType(const char* name, NodePartDesc* descs, unsigned count);
-    ~NodeType() override = default;
+    using TypeCheckFunc = bool (*)(const Node* node);
+    using CreateFunc    = Node* (*)(NodeType& type, NodeNameSpace& nameSpace, const char* name);
+    using ProcFactory   = NodeProc* (*)(NodeType& type, Node& node);
+    using DescVec       = std::vector<NodePartDesc*>;
+    using DescMap       = std::map<std::string, NodePartDesc*>;
+
+    // The native constructor: registers the type in its namespace, its component and the ID map.
+    NodeType(NodeTypeNameSpace& nameSpace, const char* name, const char* library, const char* parentName,
+             const char* defaultDescendantOf, const char* version, const char* component, const char* comment,
+             const char* status, const char* description, const char* standard, bool isExtensible,
+             bool isContextRoot, TypeCheckFunc typeCheck, CreateFunc creator, ProcFactory procFactory,
+             NodePartDesc* descs, unsigned descCount);
+    ~NodeType() override;
+
+    NodeType(const NodeType&) = delete;
+    NodeType& operator=(const NodeType&) = delete;
 
     const std::string& name() const { return _name; }
-    unsigned           partCount() const { return static_cast<unsigned>(_parts.size()); }
-    NodePartDesc*      part(unsigned index) const { return _parts[index]; }
-    ProtoDeclaration*  protoDeclaration() const { return _protoDeclaration; }
+    const std::string& library() const { return _library; }
+    const std::string& parentName() const { return _parentName; }
+    const std::string& defaultDescendantOfName() const { return _defaultDescendantOf; }
+    const std::string& version() const { return _version; }
+    const std::string& component() const { return _component; }
+    const std::string& comment() const { return _comment; }
+    const std::string& status() const { return _status; }
+    NodeTypeStatus     statusID() const { return _statusID; }
+    const std::string& description() const { return _description; }
+    const std::string& standard() const { return _standard; }
+    std::uint32_t      ID() const { return _ID; }
+    NodeTypeNameSpace& nameSpace() const { return *_nameSpace; }
+    Component*         compObj() const { return _compObj; }
+    NodeType*          parentNodeType() const { return _parentNodeType; }
+    NodeType*          defaultDescendant() const { return _defaultDescendant; }
+    const std::list<NodeType*>& derivedNodeTypeList() const { return _derivedNodeTypeList; }
+    bool               isAbstract() const { return !_creator && !_protoDeclaration; }
     bool               isProto() const { return _protoDeclaration != nullptr; }
+    NodeType*          isAliasOf() const { return _isAliasOf; }
+    bool               isContextRoot() const { return _isContextRoot; }
+    bool               isExtensible() const { return _isExtensible; }
+    bool               isInitialized() const { return _isInitialized; }
+    std::uint32_t      objectCount() const { return _objectCount; }
+    TypeCheckFunc      typeCheckFunc() const { return _typeCheck; }
+    bool               checkType(const Node* node) const { return _typeCheck && _typeCheck(node); }
+
+    unsigned          partCount() const { return static_cast<unsigned>(_descVec.size()); }
+    NodePartDesc*     part(unsigned index) const { return index < _descVec.size() ? _descVec[index] : nullptr; }
+    DescVec::const_iterator beginPart() const { return _descVec.begin(); }
+    DescVec::const_iterator endPart() const { return _descVec.end(); }
+    const DescVec&    localParts() const { return _localDescVec; }
+    std::uint32_t     protoPartCount() const { return _protoPartCount; }
+    ProtoDeclaration* protoDeclaration() const { return _protoDeclaration; }
+
+    NodePartDesc* findPart(const std::string& name) const;
+    NodePartDesc* findFieldPart(const std::string& name) const;
+    NodePartDesc* findInSlotPart(const std::string& name) const;
+    NodePartDesc* findOutSlotPart(const std::string& name) const;
+    // The mask of the base type's logFeature part when this type has it, else empty.
+    PartMask      logFeatureMask() const { return _logFeatureMask; }
+
+    bool fillAbsolutAddress(std::string& out) const;
+    bool hasAbsolutAddress() const;
+
+    bool operator==(const NodeType& other) const { return this == &other; }
+
+    // Type tree.
+    bool         isA(const NodeType& other) const;
+    std::int32_t isADistance(const NodeType& other) const;
+    bool         isAGenericGroupNode() const;
+    bool         isALeafNode() const;
+    NodeType*    isDefaultDescendantOf() const;
+    bool         setDefaultDescendant(NodeType* type);
+
+    // Completes the type once all types exist; the number of failures. `force` runs it again.
+    int        initType(bool force = false);
+    static int initTypeTree(bool force = false);
+
+    static NodeType*   findType(unsigned int id);
+    static unsigned    typeCount();
+    // Filter: 0 all, 1 concrete native, 2 abstract, 3 proto. Returns the count.
+    static int         getTypeVec(std::vector<NodeType*>& out, int filter = 0);
+    static NodeType*   findContextRootType(const std::string& name);
+    static std::mutex& typeIDMapMutex();
+    static void        dumpStatic();
+    static int         reportDocStatus(std::ostream& out, bool verbose);
+    void               dump() const;
+
+    // The one place where nodes come into being.
+    Node*        createNode(BaseObject* parent, const char* name = nullptr, NodeCreator creator = UnknownCreator) const;
+    static Node* createNode(BaseObject* parent, const char* typeName, const char* name, NodeCreator creator);
+    NodeProc*    createProc(Node& node) const;
 
 private:
-    std::string                _name;
-    std::vector<NodePartDesc*> _parts;
-    ProtoDeclaration*          _protoDeclaration = nullptr;
+    friend class Component;
+    friend class Node;
+    friend class NodeTypeNameSpace;
+
+    // Adds `delta` to this type's node count and to every ancestor's.
+    void changeObjCounter(int delta) const;
+    void setStatusID();
+
+    NodeTypeNameSpace*   _nameSpace;
+    Component*           _compObj = nullptr;
+    bool                 _isInitialized = false;
+    mutable std::uint32_t _objectCount = 0;
+    std::uint32_t        _ID;
+    std::string          _name;
+    std::string          _library;
+    std::string          _parentName;
+    std::string          _defaultDescendantOf;
+    std::string          _version;
+    std::string          _component;
+    std::string          _comment;
+    std::string          _status;
+    std::string          _description;
+    std::string          _standard;
+    NodeTypeStatus       _statusID = InvalidStatus;
+    bool                 _isExtensible;
+    TypeCheckFunc        _typeCheck;
+    CreateFunc           _creator;
+    ProcFactory          _procFactory;
+    NodeType*            _parentNodeType = nullptr;
+    NodeType*            _defaultDescendant = nullptr;
+    NodeType*            _isAliasOf = nullptr;
+    bool                 _isContextRoot;
+    ProtoDeclaration*    _protoDeclaration = nullptr;
+    std::uint32_t        _protoPartCount = 0;
+    std::list<NodeType*> _derivedNodeTypeList;
+    DescVec              _descVec;
+    DescVec              _localDescVec;
+    DescMap              _fieldMap;
+    DescMap              _inSlotMap;
+    DescMap              _outSlotMap;
+    PartMask             _logFeatureMask;
 };
 
 } // namespace Orvane

@@ -46,4 +46,55 @@ void SFNode::setValueByStr(const char* text)
     ORV_WARNING("SFNode::setValueByStr( %s ) is not impl.\n", text ? text : "");
 }
 
+bool SFNode::setValueByField(const Field& from, ConvertParam* param)
+{
+    if (auto* same = dynamic_cast<const SFNode*>(&from)) {
+        if (same != this)
+            return _value.setNode(same->_value.directNode());
+        return true;
+    }
+    return Field::setValueByField(from, param);
+}
+
+// Node values have no binary form.
+
+unsigned int SFNode::getBinSize()
+{
+    ORV_FATAL("%s getBinSize not Impl\n", "base/SFNode");
+    return 0;
+}
+
+std::string SFNode::getBinValue(int)
+{
+    ORV_FATAL("%s getBinValue not Impl\n", "base/SFNode");
+    return std::string();
+}
+
+unsigned int SFNode::getBinValue(unsigned char*)
+{
+    ORV_FATAL("%s getBinValue not Impl\n", "base/SFNode");
+    return 0;
+}
+
+std::string SFNode::get1ValueAsBin(int)
+{
+    ORV_FATAL("%s get1ValueAsBin not Impl\n", "base/SFNode");
+    return std::string();
+}
+
+void SFNode::set1ValueByBin(int, const std::string&)
+{
+    ORV_FATAL("%s set1ValueByBin not Impl\n", "base/SFNode");
+}
+
+void SFNode::setValueByBin(const std::string&)
+{
+    ORV_FATAL("%s setValueByBin not Impl\n", "base/SFNode");
+}
+
+void SFNode::setValueByBin(unsigned char*, unsigned int)
+{
+    ORV_FATAL("%s setValueByBin not Impl\n", "base/SFNode");
+}
+
 } // namespace Orvane

@@ -6,8 +6,8 @@
 
 namespace Orvane {
 
-// One child link. Node values are built by loaders and copies, not parsed from text; the text
-// form names the child (its DEF name or ID text) for diagnostics.
+// One child link. Node values are built by loaders and copies, not parsed from text, and have
+// no binary form; the text form names the child (its DEF name or ID text) for diagnostics.
 class ORVANE_API SFNode : public TypedField<SFNode, SField<NodeLink, 1>> {
 public:
     explicit SFNode(Node& owner);
@@ -15,15 +15,26 @@ public:
     SFNode(const SFNode& other);
     SFNode& operator=(const SFNode& other);
     using Field::setValueByStr;
+    using Field::setValueByBin;
     static constexpr NodePartDataType DataType = SFNodeType;
 
-    Node* node() const { return _value.node(); }
-    bool  setNode(const Node* node) { return _value.setNode(node); }
+    Node*     node() const { return _value.node(); }
+    NodeLink& link() { return _value; }
+    bool      setNode(const Node* node) { return _value.setNode(node); }
 
     std::string& getStrValue(std::string& out) const override;
 
+    unsigned int getBinSize() override;
+    std::string  getBinValue(int index = 0) override;
+    unsigned int getBinValue(unsigned char* buffer) override;
+    std::string  get1ValueAsBin(int index) override;
+    void         set1ValueByBin(int index, const std::string& data) override;
+
 protected:
     void setValueByStr(const char* text) override;
+    void setValueByBin(const std::string& data) override;
+    void setValueByBin(unsigned char* data, unsigned int size) override;
+    bool setValueByField(const Field& from, ConvertParam* param) override;
 
 private:
     friend class BuiltinFieldTypes;

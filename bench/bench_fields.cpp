@@ -4,7 +4,9 @@
 #include "base/MFVec3f.h"
 #include "base/Node.h"
 #include "base/NodePartDesc.h"
+#include "base/NodeNameSpace.h"
 #include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
 #include "base/SFFloat.h"
 #include "base/SmartPtr.h"
 
@@ -43,14 +45,21 @@ const std::string& numberText()
     return text;
 }
 
+// The three fields follow the two that every node type inherits from "Node".
 struct Scene {
     NodePartDesc parts[3] = {
-        NodePartDesc(0, PartMask::bit(0), ExposedFieldPartType, MFFloatType, 0, "values"),
-        NodePartDesc(1, PartMask::bit(1), ExposedFieldPartType, MFVec3fType, 0, "points"),
-        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFFloatType, 0, "scale"),
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, MFFloatType, 0, "values"),
+        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, MFVec3fType, 0, "points"),
+        NodePartDesc(4, PartMask::bit(4), ExposedFieldPartType, SFFloatType, 0, "scale"),
     };
-    NodeType       type{"BenchNode", parts, 3};
-    SmartPtr<Node> node{new Node(type)};
+    NodeType type{theBaseNodeTypeFactory(), "BenchNode", "Bench", "Node", nullptr, "1.0", "Bench", nullptr,
+                  "stable", nullptr, "Orvane", false, false, &Node::isNodeType, &Node::createNode,
+                  &Node::createProc, parts, 3};
+    SmartPtr<NodeNameSpace> nameSpace{new NodeNameSpace("bench")};
+    SmartPtr<Node>          node{type.createNode(nameSpace.get())};
+
+    // Field i of the three.
+    Field* field(unsigned i) const { return node->findField(i + 2); }
 };
 
 Scene& scene()
@@ -68,7 +77,7 @@ void setBytes(benchmark::State& state)
 
 void parseField(benchmark::State& state, unsigned id)
 {
-    Field& field = *scene().node->findField(id);
+    Field& field = *scene().field(id);
     const std::string& text = numberText();
     for (auto _ : state) {
         field.setValueByStr(0.0, text.c_str());
@@ -124,7 +133,7 @@ void parseStrtod(benchmark::State& state)
 
 void printField(benchmark::State& state, unsigned id)
 {
-    Field& field = *scene().node->findField(id);
+    Field& field = *scene().field(id);
     field.setValueByStr(0.0, numberText().c_str());
     std::string out;
     for (auto _ : state) {
@@ -137,7 +146,7 @@ void printField(benchmark::State& state, unsigned id)
 std::vector<float> numbers()
 {
     Scene& s = scene();
-    auto& values = static_cast<MFFloat&>(*s.node->findField(0));
+    auto& values = static_cast<MFFloat&>(*s.field(0));
     values.setValueByStr(0.0, numberText().c_str());
     return values.value();
 }
@@ -187,7 +196,7 @@ void setLive(benchmark::State& state)
 {
     Scene& s = scene();
     s.node->setStateUnchecked(Live);
-    auto& scale = static_cast<SFFloat&>(*s.node->findField(2));
+    auto& scale = static_cast<SFFloat&>(*s.field(2));
     float v = 0.0f;
     for (auto _ : state) {
         scale.setValue(0.0, v, Field::FieldCaller);

@@ -4,7 +4,9 @@
 #include "base/FieldType.h"
 #include "base/Log.h"
 #include "base/Node.h"
+#include "base/NodeNameSpace.h"
 #include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
 #include "base/SmartPtr.h"
 
 #include <cstdint>
@@ -17,9 +19,13 @@ namespace {
 
 Node& fuzzNode()
 {
-    static NodeType type("FuzzNode", nullptr, 0);
-    static SmartPtr<Node> node(new Node(type));
-    return *node;
+    // Never destroyed: fields made from it may be the last things alive at exit.
+    static NodeType& type = *new NodeType(theBaseNodeTypeFactory(), "FuzzNode", "Fuzz", "Node", nullptr, "1.0",
+                                          "Fuzz", nullptr, "stable", nullptr, "Orvane", false, false,
+                                          &Node::isNodeType, &Node::createNode, &Node::createProc, nullptr, 0);
+    static NodeNameSpace& nameSpace = *new NodeNameSpace("fuzz");
+    static Node& node = *type.createNode(&nameSpace);
+    return node;
 }
 
 } // namespace

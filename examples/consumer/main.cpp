@@ -4,7 +4,9 @@
 #include "base/MFVec3f.h"
 #include "base/Node.h"
 #include "base/NodePartDesc.h"
+#include "base/NodeNameSpace.h"
 #include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
 #include "base/SmartPtr.h"
 
 #include <cstdio>
@@ -13,13 +15,17 @@ using namespace Orvane;
 
 int main()
 {
+    // Its one field follows the two that every type inherits from "Node".
     NodePartDesc parts[] = {
-        NodePartDesc(0, PartMask::bit(0), ExposedFieldPartType, MFVec3fType, 0, "point"),
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, MFVec3fType, 0, "point"),
     };
-    NodeType type("Points", parts, 1);
-    SmartPtr<Node> node(new Node(type));
+    NodeType type(theBaseNodeTypeFactory(), "Points", "Consumer", "Node", nullptr, "1.0", "Consumer", nullptr,
+                  "stable", "A list of points", "Orvane", false, false, &Node::isNodeType, &Node::createNode,
+                  &Node::createProc, parts, 1);
+    SmartPtr<NodeNameSpace> scene(new NodeNameSpace("scene"));
+    SmartPtr<Node> node(type.createNode(scene.get()));
 
-    Field* point = node->findField(0);
+    Field* point = node ? node->findField("point") : nullptr;
     if (!point || FieldType::typeCount() != 51) {
         std::fprintf(stderr, "consumer: library not usable\n");
         return 1;

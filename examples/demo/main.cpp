@@ -1,20 +1,27 @@
-// The demo: what the library does, as far as it stands. A node type declared in code, a node of
-// it, its fields set from text and printed back, and a listener that sees every change.
+// The demo: what the library does, as far as it stands. Node types declared in code, a node of
+// one with its fields set from text and printed back while a listener sees every change, and a
+// small scene with a shared (DEF/USE) node, printed as a tree.
 #include "base/FieldType.h"
 #include "base/Log.h"
+#include "base/MFNode.h"
 #include "base/MFString.h"
 #include "base/MFVec3f.h"
 #include "base/Node.h"
 #include "base/NodePartDesc.h"
+#include "base/NodeNameSpace.h"
 #include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
 #include "base/SFBool.h"
 #include "base/SFColor.h"
 #include "base/SFFloat.h"
+#include "base/SFNode.h"
 #include "base/SFRotation.h"
 #include "base/SFTime.h"
 #include "base/SmartPtr.h"
 
 #include <cstdio>
+#include <set>
+#include <string>
 
 using namespace Orvane;
 
@@ -29,6 +36,105 @@ public:
     }
 };
 
+// Declares a native type under "Node": the descriptors follow the two every type inherits.
+NodeType& declareType(const char* name, const char* parent, NodePartDesc* parts, unsigned count,
+                      bool abstract = false)
+{
+    return *new NodeType(theBaseNodeTypeFactory(), name, "Demo", parent, nullptr, "1.0", "Demo", nullptr, "stable",
+                         nullptr, "Orvane", false, false, &Node::isNodeType, abstract ? nullptr : &Node::createNode,
+                         abstract ? nullptr : &Node::createProc, parts, count);
+}
+
+// Prints a node and everything below it; a node met before is printed as USE.
+void printTree(const Node& node, int depth, std::set<const Node*>& seen, const char* field = nullptr)
+{
+    std::string indent(static_cast<std::size_t>(depth) * 2, ' ');
+    std::string label = field ? std::string(field) + ": " : std::string();
+    if (!seen.insert(&node).second) {
+        std::printf("%s%sUSE %s\n", indent.c_str(), label.c_str(), node.getIDStr().c_str());
+        return;
+    }
+    std::string def = node.hasName() ? "DEF " + node.name() + " " : std::string();
+    std::string id = node.hasName() ? std::string() : " " + node.getIDStr();
+    std::printf("%s%s%s%s%s (%u parents, %s)\n", indent.c_str(), label.c_str(), def.c_str(),
+                node.type().name().c_str(), id.c_str(), node.parentCount(), node.stateName());
+    for (unsigned i = 0; i < node.partCount(); ++i) {
+        Field* f = node.findField(i);
+        if (!f || (f->dataType() != SFNodeType && f->dataType() != MFNodeType)) {
+            if (f && i > 1 && !f->valueIsDefault())
+                std::printf("%s  %s %s\n", indent.c_str(), f->findName(), f->strValue().c_str());
+            continue;
+        }
+        if (f->dataType() == SFNodeType) {
+            if (Node* child = static_cast<SFNode*>(f)->node())
+                printTree(*child, depth + 1, seen, f->findName());
+        } else {
+            for (NodeLink& link : *static_cast<MFNode*>(f))
+                printTree(*link.node(), depth + 1, seen, f->findName());
+        }
+    }
+}
+
+// A node as a loader makes one: created in its parent, its fields at their defaults.
+Node* make(BaseObject* parent, const char* type, const char* name)
+{
+    Node* node = NodeType::createNode(parent, type, name, LoaderCreator);
+    for (unsigned i = 2; node && i < node->partCount(); ++i)
+        node->findField(i)->setDefaultValue(0.0);
+    return node;
+}
+
+void sceneDemo()
+{
+    // Three types of our own: an abstract shape, a box and a ball, and a group that takes any node.
+    static NodePartDesc groupParts[] = {
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, MFNodeType, NodePartDesc::CtorAutoProcess,
+                     "children"),
+    };
+    static NodePartDesc shapeParts[] = {
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFColorType, NodePartDesc::CtorAutoProcess,
+                     "color", nullptr, "0.8 0.8 0.8"),
+    };
+    static NodePartDesc boxParts[] = {
+        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, SFVec3fType, NodePartDesc::CtorAutoProcess, "size",
+                     nullptr, "2 2 2"),
+    };
+    static NodePartDesc ballParts[] = {
+        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess,
+                     "radius", nullptr, "1", "[0,1000]"),
+    };
+    declareType("Group", "Node", groupParts, 1);
+    NodeType& shape = declareType("Shape", "Node", shapeParts, 1, true);
+    declareType("Box", "Shape", boxParts, 1);
+    declareType("Ball", "Shape", ballParts, 1);
+    NodeType::initTypeTree();
+    std::printf("\nNode types: %u registered; Ball is a Shape at distance %d\n", NodeType::typeCount(),
+                NodeTypeNameSpace::findType(&theBaseNodeTypeFactory(), "Ball")->isADistance(shape));
+
+    // A scene: two groups that share one DEF'd box.
+    SmartPtr<NodeNameSpace> scene(new NodeNameSpace("scene"));
+    SmartPtr<Node> root(make(scene.get(), "Group", "Root"));
+    Node* left = make(root.get(), "Group", "Left");
+    Node* right = make(root.get(), "Group", nullptr);
+    Node* box = make(left, "Box", "SharedBox");
+    box->findField("size")->setValueByStr(0.0, "1 2 3");
+    right->addChild(box);  // USE SharedBox
+    Node* ball = make(right, "Ball", nullptr);
+    ball->findField("radius")->setValueByStr(0.0, "0.5");
+    root->setTreeState(0.0, Live);
+
+    std::printf("\nThe scene, %d nodes in namespace \"%s\"; the shared box is found by name: %s\n",
+                scene->nodeCount(), scene->name().c_str(), scene->findNode("SharedBox") == box ? "yes" : "no");
+    std::set<const Node*> seen;
+    printTree(*root, 1, seen);
+
+    std::printf("\nShape nodes alive: %u; removing the box from Left leaves it in the unnamed group:\n",
+                shape.objectCount());
+    left->removeChild(box);
+    seen.clear();
+    printTree(*root, 1, seen);
+}
+
 } // namespace
 
 int main()
@@ -38,27 +144,30 @@ int main()
 
     // A node type declared in code: one descriptor per field, in slot order.
     NodePartDesc parts[] = {
-        NodePartDesc(0, PartMask::bit(0), ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess,
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess,
                      "intensity", nullptr, "1"),
-        NodePartDesc(1, PartMask::bit(1), ExposedFieldPartType, SFColorType, NodePartDesc::CtorAutoProcess,
+        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, SFColorType, NodePartDesc::CtorAutoProcess,
                      "color", nullptr, "1 1 1"),
-        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFRotationType, NodePartDesc::CtorAutoProcess,
+        NodePartDesc(4, PartMask::bit(4), ExposedFieldPartType, SFRotationType, NodePartDesc::CtorAutoProcess,
                      "orientation", nullptr, "0 0 1 0"),
-        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, MFVec3fType, NodePartDesc::CtorAutoProcess,
+        NodePartDesc(5, PartMask::bit(5), ExposedFieldPartType, MFVec3fType, NodePartDesc::CtorAutoProcess,
                      "points"),
-        NodePartDesc(4, PartMask::bit(4), ExposedFieldPartType, MFStringType, NodePartDesc::CtorAutoProcess,
+        NodePartDesc(6, PartMask::bit(6), ExposedFieldPartType, MFStringType, NodePartDesc::CtorAutoProcess,
                      "labels"),
-        NodePartDesc(5, PartMask::bit(5), FieldPartType, SFBoolType, 0, "visible", nullptr, "TRUE"),
-        NodePartDesc(6, PartMask::bit(6), EventOutPartType, SFTimeType, 0, "touchTime"),
+        NodePartDesc(7, PartMask::bit(7), FieldPartType, SFBoolType, 0, "visible", nullptr, "TRUE"),
+        NodePartDesc(8, PartMask::bit(8), EventOutPartType, SFTimeType, 0, "touchTime"),
     };
-    NodeType lampType("Lamp", parts, sizeof parts / sizeof parts[0]);
-    SmartPtr<Node> lamp(new Node(lampType));
-    for (unsigned i = 0; i < lamp->partCount(); ++i)
+    NodeType lampType(theBaseNodeTypeFactory(), "Lamp", "Demo", "Node", nullptr, "1.0", "Demo", nullptr, "stable",
+                      nullptr, "Orvane", false, false, &Node::isNodeType, &Node::createNode, &Node::createProc, parts,
+                      sizeof parts / sizeof parts[0]);
+    SmartPtr<NodeNameSpace> lampScene(new NodeNameSpace("lamps"));
+    SmartPtr<Node> lamp(lampType.createNode(lampScene.get(), "Lamp1"));
+    for (unsigned i = 2; i < lamp->partCount(); ++i)
         lamp->findField(i)->setDefaultValue(0.0);
-    lamp->setStateUnchecked(Live);
+    lamp->setNodeState(0.0, Live);
 
     PrintChanges printer;
-    for (unsigned i = 0; i < lamp->partCount(); ++i)
+    for (unsigned i = 2; i < lamp->partCount(); ++i)
         lamp->findField(i)->addListener(&printer);
 
     std::printf("Fields set from text:\n");
@@ -71,17 +180,20 @@ int main()
         {"visible", "no"},
         {"touchTime", "1234567890.123456"},
     };
-    for (unsigned i = 0; i < lamp->partCount(); ++i)
-        lamp->findField(i)->setValueByStr(1.0 + i, texts[i][1]);
+    for (unsigned i = 2; i < lamp->partCount(); ++i)
+        lamp->findField(i)->setValueByStr(i - 1.0, texts[i - 2][1]);
 
     std::printf("\nThe node's fields, printed back:\n");
-    for (unsigned i = 0; i < lamp->partCount(); ++i) {
+    for (unsigned i = 2; i < lamp->partCount(); ++i) {
         Field* field = lamp->findField(i);
         std::printf("  %-10s %-12s %-12s %s%s\n", field->dataTypeName().c_str(), field->findName(),
                     NodePartDesc::partTypeName(field->type()), field->strValue().c_str(),
                     field->valueIsDefault() ? "  (default)" : "");
     }
     std::printf("\nChanged mask of the node: 0x%llx\n", lamp->changedMask().value());
-    lamp->setStateUnchecked(Creation);
+    for (unsigned i = 2; i < lamp->partCount(); ++i)
+        lamp->findField(i)->removeListener(&printer);
+
+    sceneDemo();
     return 0;
 }
