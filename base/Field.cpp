@@ -1,5 +1,7 @@
 #include "base/Field.h"
 
+#include "base/BaseTypeAssign.h"
+#include "base/ConvertParam.h"
 #include "base/Log.h"
 #include "base/Node.h"
 #include "base/NodePartDesc.h"
@@ -284,8 +286,14 @@ void Field::dump(bool withOwner) const
                  stateName(_owner->state()));
 }
 
-bool Field::assign(Field& to, const Field& from, ConvertParam*)
+bool Field::assign(Field& to, const Field& from, ConvertParam* param)
 {
+    const FieldType* toType = FieldType::findType(to.dataType());
+    const FieldType* fromType = FieldType::findType(from.dataType());
+    if (toType && fromType) {
+        if (FieldAssignFunction convert = fieldAssignFunction(toType->baseType(), fromType->baseType()))
+            return convert(to, from, param ? *param : ConvertParam::defaults());
+    }
     ORV_WARNING("%s to %s not implementet\n", from.dataTypeName().c_str(), to.dataTypeName().c_str());
     return false;
 }

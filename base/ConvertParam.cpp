@@ -1,0 +1,11 @@
+#include "base/ConvertParam.h"
+
+namespace Orvane {
+
+const ConvertParam& ConvertParam::defaults()
+{
+    static const ConvertParam plain;
+    return plain;
+}
+
+} // namespace Orvane
