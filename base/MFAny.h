@@ -10,6 +10,7 @@ class ORVANE_API MFAny : public OpaqueField<MFAny, MVField<void*>> {
 public:
     using OpaqueField::OpaqueField;
     static constexpr NodePartDataType DataType = MFAnyType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

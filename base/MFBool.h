@@ -10,6 +10,7 @@ class ORVANE_API MFBool : public TypedMField<MFBool, bool, MLField<bool>> {
 public:
     using TypedMField::TypedMField;
     static constexpr NodePartDataType DataType = MFBoolType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
     const char* addValueByStr(const char* text, Cardinality cardinality) override
     {

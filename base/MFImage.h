@@ -11,6 +11,7 @@ class ORVANE_API MFImage : public TypedMField<MFImage, Image, MLField<Image>> {
 public:
     using TypedMField::TypedMField;
     static constexpr NodePartDataType DataType = MFImageType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
     const char* addValueByStr(const char* text, Cardinality cardinality) override;
 

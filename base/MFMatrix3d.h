@@ -9,6 +9,7 @@ class ORVANE_API MFMatrix3d : public TypedMField<MFMatrix3d, Matrix3d, MVField<M
 public:
     using TypedMField::TypedMField;
     static constexpr NodePartDataType DataType = MFMatrix3dType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -9,6 +9,7 @@ class ORVANE_API MFMatrix3f : public TypedMField<MFMatrix3f, Matrix3f, MVField<M
 public:
     using TypedMField::TypedMField;
     static constexpr NodePartDataType DataType = MFMatrix3fType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -9,6 +9,7 @@ class ORVANE_API MFMatrix4d : public TypedMField<MFMatrix4d, Matrix4d, MVField<M
 public:
     using TypedMField::TypedMField;
     static constexpr NodePartDataType DataType = MFMatrix4dType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

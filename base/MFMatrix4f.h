@@ -9,6 +9,7 @@ class ORVANE_API MFMatrix4f : public TypedMField<MFMatrix4f, Matrix4f, MVField<M
 public:
     using TypedMField::TypedMField;
     static constexpr NodePartDataType DataType = MFMatrix4fType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -11,6 +11,7 @@ class ORVANE_API MFPlane : public TypedMField<MFPlane, Plane, MVField<Plane>> {
 public:
     using TypedMField::TypedMField;
     static constexpr NodePartDataType DataType = MFPlaneType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
     const char* addValueByStr(const char* text, Cardinality cardinality) override
     {

@@ -11,6 +11,7 @@ class ORVANE_API MFQubit : public TypedMField<MFQubit, Qubit, MLField<Qubit>> {
 public:
     using TypedMField::TypedMField;
     static constexpr NodePartDataType DataType = MFQubitType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
     const char* addValueByStr(const char* text, Cardinality cardinality) override
     {

@@ -14,6 +14,7 @@ public:
     MFSound(Node& owner, const MFSound& other) : TypedField(owner, other.value()) {}
     using Field::setValueByStr;
     static constexpr NodePartDataType DataType = MFSoundType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
     std::string& getStrValue(std::string& out) const override;
     const char*  addValueByStr(const char* text, Cardinality cardinality) override;

@@ -9,6 +9,7 @@ class ORVANE_API MFVec4f : public TypedMField<MFVec4f, Vec4f, MVField<Vec4f>> {
 public:
     using TypedMField::TypedMField;
     static constexpr NodePartDataType DataType = MFVec4fType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -10,6 +10,7 @@ class ORVANE_API SFAny : public OpaqueField<SFAny, SField<void*>> {
 public:
     using OpaqueField::OpaqueField;
     static constexpr NodePartDataType DataType = SFAnyType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -9,6 +9,7 @@ class ORVANE_API SFMatrix3d : public TypedSField<SFMatrix3d, Matrix3d> {
 public:
     using TypedSField::TypedSField;
     static constexpr NodePartDataType DataType = SFMatrix3dType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -9,6 +9,7 @@ class ORVANE_API SFMatrix3f : public TypedSField<SFMatrix3f, Matrix3f> {
 public:
     using TypedSField::TypedSField;
     static constexpr NodePartDataType DataType = SFMatrix3fType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -9,6 +9,7 @@ class ORVANE_API SFMatrix4d : public TypedSField<SFMatrix4d, Matrix4d> {
 public:
     using TypedSField::TypedSField;
     static constexpr NodePartDataType DataType = SFMatrix4dType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -10,6 +10,7 @@ class ORVANE_API SFPlane : public TypedSField<SFPlane, Plane> {
 public:
     using TypedSField::TypedSField;
     static constexpr NodePartDataType DataType = SFPlaneType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

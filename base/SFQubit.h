@@ -10,6 +10,7 @@ class ORVANE_API SFQubit : public TypedSField<SFQubit, Qubit> {
 public:
     using TypedSField::TypedSField;
     static constexpr NodePartDataType DataType = SFQubitType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -10,6 +10,7 @@ class ORVANE_API SFSound : public TypedSField<SFSound, PCMSound> {
 public:
     using TypedSField::TypedSField;
     static constexpr NodePartDataType DataType = SFSoundType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

@@ -9,6 +9,7 @@ class ORVANE_API SFVec4d : public TypedSField<SFVec4d, Vec4d> {
 public:
     using TypedSField::TypedSField;
     static constexpr NodePartDataType DataType = SFVec4dType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;

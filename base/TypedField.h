@@ -2,6 +2,7 @@
 #define ORVANE_BASE_TYPEDFIELD_H
 
 #include "base/FieldType.h"
+#include "base/ValueBinary.h"
 #include "base/ValueText.h"
 #include "base/XField.h"
 
@@ -9,12 +10,33 @@
 
 namespace Orvane {
 
-// What every concrete field class shares: its type record and the text form of its element
-// type. A concrete class only names its element type, its storage and its FieldType, and
-// overrides what is special about it.
+// The element type of a storage level: the value of a single-value field, the container's
+// element of a multi-value one.
+template <class Base>
+struct StoredElement {
+    using type = typename Base::ValueType;
+    static constexpr bool multi = false;
+};
+template <class Base>
+    requires requires { typename Base::Element; }
+struct StoredElement<Base> {
+    using type = typename Base::Element;
+    static constexpr bool multi = true;
+};
 
+// What every concrete field class shares: its type record, the text form of its element type
+// and the binary form. A concrete class only names its element type, its storage and its
+// FieldType, and overrides what is special about it.
+//
+// The binary form is that of the element type (ValueBinary), unless the class declares
+// `static constexpr bool binaryForm = false;`: then every binary operation logs
+// "<class>::<operation>() is not imp" and changes nothing. Classes whose element type has
+// no binary form refuse as well.
 template <class Self, class Base>
 class ORVANE_API TypedField : public Base {
+    using Stored = typename StoredElement<Base>::type;
+    static constexpr bool multi = StoredElement<Base>::multi;
+
 public:
     using Base::Base;
     using Field::setValueByStr;
@@ -26,8 +48,73 @@ public:
     static const FieldType& fieldType() { return *FieldType::findType(Self::DataType); }
     static void             init() {}
 
+    std::string getBinValue(int = 0) override
+    {
+        if constexpr (!hasBinaryForm()) {
+            this->binaryNotImplemented("getBinValue");
+            return std::string();
+        } else if constexpr (multi) {
+            return FieldBinary<Stored>::encodeList(this->_value, className());
+        } else {
+            return FieldBinary<Stored>::encodeOne(this->_value, className());
+        }
+    }
+    using Field::getBinValue;
+
+    // One element alone, without a count; an index outside the field gives nothing.
+    std::string get1ValueAsBin(int index) override
+    {
+        if constexpr (!hasBinaryForm()) {
+            this->binaryNotImplemented("get1ValueByBin");
+            return std::string();
+        } else if constexpr (multi) {
+            if (!inRange(index))
+                return std::string();
+            return FieldBinary<Stored>::encodeOne(this->elem(index), className());
+        } else {
+            return getBinValue(0);
+        }
+    }
+
+    void set1ValueByBin(int index, const std::string& data) override
+    {
+        if constexpr (!hasBinaryForm()) {
+            this->binaryNotImplemented("set1ValueByBin");
+        } else if constexpr (multi) {
+            if (inRange(index))
+                FieldBinary<Stored>::decodeOne(data, this->elem(index), className());
+        } else {
+            setValueByBin(data);
+        }
+    }
+
 protected:
     static const char* textEnd(const char* text) { return text + std::strlen(text); }
+
+    void setValueByBin(const std::string& data) override
+    {
+        if constexpr (!hasBinaryForm()) {
+            this->binaryNotImplemented("setValueByBin");
+        } else if constexpr (multi) {
+            FieldBinary<Stored>::decodeList(data, this->_value, className());
+        } else {
+            FieldBinary<Stored>::decodeOne(data, this->_value, className());
+        }
+    }
+
+private:
+    // Asked only inside the operations, where Self is complete.
+    static constexpr bool hasBinaryForm()
+    {
+        if constexpr (requires { Self::binaryForm; }) {
+            static_assert(!Self::binaryForm || ValueBinary<Stored>::supported, "element type has no binary form");
+            return Self::binaryForm;
+        } else {
+            return ValueBinary<Stored>::supported;
+        }
+    }
+    const char* className() const { return this->dataTypeName().c_str(); }
+    bool        inRange(int index) const { return index >= 0 && static_cast<unsigned>(index) < this->size(); }
 };
 
 template <class Self, class T, class Base = SField<T>>

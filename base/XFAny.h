@@ -15,6 +15,7 @@ class ORVANE_API XFAny : public OpaqueField<XFAny, SField<NoValue>> {
 public:
     using OpaqueField::OpaqueField;
     static constexpr NodePartDataType DataType = XFAnyType;
+    static constexpr bool binaryForm = false;  // no binary form, on purpose
 
 private:
     friend class BuiltinFieldTypes;
