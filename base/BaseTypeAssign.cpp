@@ -56,6 +56,7 @@
 #include "base/SFVec4f.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cmath>
 #include <cstdint>
@@ -170,14 +171,15 @@ S narrow(double value, ConvertParam::Rounding rounding = ConvertParam::TowardZer
         return NumberText::toFloat(value);
     } else {
         static_assert(std::is_same_v<S, int>);
+        if (rounding == ConvertParam::Nearest)
+            value = std::round(value);
+        // Inside these bounds the cast truncates to a valid int; outside (and for NaN) it
+        // would be undefined.
+        if (value > -2147483649.0 && value < 2147483648.0) [[likely]]
+            return static_cast<int>(value);
         if (std::isnan(value))
             return 0;
-        value = rounding == ConvertParam::Nearest ? std::round(value) : std::trunc(value);
-        if (value >= 2147483647.0)
-            return INT_MAX;
-        if (value <= -2147483648.0)
-            return INT_MIN;
-        return static_cast<int>(value);
+        return value > 0.0 ? INT_MAX : INT_MIN;
     }
 }
 
@@ -554,6 +556,17 @@ bool assignNodes(Field& to, const Field& from, const ConvertParam&)
     return true;
 }
 
+// The kind of each base type, -1 for those that are not converted.
+constexpr int baseTypeCount = static_cast<int>(BaseType::Sound) + 1;
+constexpr std::array<int, baseTypeCount> kindOfBase = [] {
+    std::array<int, baseTypeCount> kinds{};
+    kinds.fill(-1);
+#define ORV_ASSIGN_BASE_KIND(Base, Kind, ...) kinds[static_cast<int>(BaseType::Base)] = static_cast<int>(AssignKind::Kind);
+    ORV_KIND_FIELDS(ORV_ASSIGN_BASE_KIND)
+#undef ORV_ASSIGN_BASE_KIND
+    return kinds;
+}();
+
 // Every pair of kinds, target by target.
 #define ORV_ASSIGN_FIELDS_ENTRY(SourceKind, SourceType, TargetKind, TargetType)                   \
     &assignFields<AssignKind::TargetKind, AssignKind::SourceKind>,
@@ -584,16 +597,11 @@ const char* assignKindName(AssignKind kind)
 
 bool assignKindOf(BaseType baseType, AssignKind& kind)
 {
-    switch (baseType) {
-#define ORV_ASSIGN_BASE_CASE(Base, Kind, ...)                                                      \
-    case BaseType::Base:                                                                           \
-        kind = AssignKind::Kind;                                                                   \
-        return true;
-        ORV_KIND_FIELDS(ORV_ASSIGN_BASE_CASE)
-#undef ORV_ASSIGN_BASE_CASE
-    default:
+    int index = static_cast<int>(baseType);
+    if (index < 0 || index >= baseTypeCount || kindOfBase[index] < 0)
         return false;
-    }
+    kind = static_cast<AssignKind>(kindOfBase[index]);
+    return true;
 }
 
 bool assignRefused(AssignKind target, AssignKind source)

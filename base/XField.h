@@ -4,6 +4,7 @@
 #include "base/Field.h"
 #include "base/Log.h"
 
+#include <algorithm>
 #include <iterator>
 #include <list>
 #include <utility>
@@ -19,6 +20,8 @@ template <class T, int tag = 0>
 class ORVANE_API XField : public Field {
 public:
     using ValueType = T;
+    // The timed setter of Field, which the slot override below would hide otherwise.
+    using Field::setValueByField;
 
     explicit XField(Node& owner) : Field(owner), _value() {}
     XField(Node& owner, const T& value) : Field(owner), _value(value) {}
@@ -50,11 +53,14 @@ public:
 protected:
     virtual void addValueFieldDep(const T& values, bool replace) = 0;
 
+    // The same field type holds the same storage: a plain copy. Asking the type rather than
+    // dynamic_cast keeps this cheap across library boundaries, where a failed cast compares
+    // type names. Other types, also those sharing the storage (SFDouble, SFTime), convert.
     bool setValueByField(const Field& from, ConvertParam* param) override
     {
-        if (auto same = dynamic_cast<const XField*>(&from)) {
-            if (same != this)
-                _value = same->_value;
+        if (from.dataType() == this->dataType()) {
+            if (&from != this)
+                _value = static_cast<const XField&>(from)._value;
             return true;
         }
         return Field::assign(*this, from, param);
