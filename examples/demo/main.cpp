@@ -1,6 +1,7 @@
 // The demo: what the library does, as far as it stands. Node types declared in code, a node of
 // one with its fields set from text and printed back while a listener sees every change, and a
 // small scene with a shared (DEF/USE) node, printed as a tree.
+#include "base/ConvertParam.h"
 #include "base/FieldType.h"
 #include "base/Log.h"
 #include "base/MFNode.h"
@@ -14,8 +15,10 @@
 #include "base/SFBool.h"
 #include "base/SFColor.h"
 #include "base/SFFloat.h"
+#include "base/SFInt32.h"
 #include "base/SFNode.h"
 #include "base/SFRotation.h"
+#include "base/SFString.h"
 #include "base/SFTime.h"
 #include "base/SmartPtr.h"
 
@@ -137,6 +140,29 @@ void sceneDemo()
 
 } // namespace
 
+// A value copied into fields of other types, and a field through its binary form.
+void conversionDemo(Node& lamp)
+{
+    std::printf("\nValues converted across types:\n");
+    Field& points = *lamp.findField("points");
+    MFString texts(lamp);
+    texts.setValueByField(0.0, points);
+    std::printf("  points as MFString:         %s\n", texts.strValue().c_str());
+    SFInt32 percent(lamp);
+    ConvertParam toPercent(0, 100.0, ConvertParam::Nearest);
+    percent.setValueByField(0.0, *lamp.findField("intensity"), &toPercent);
+    std::printf("  intensity as SFInt32 (%%):   %d\n", percent.value());
+    SFFloat number(lamp);
+    bool taken = number.setValueByField(0.0, SFString(lamp, std::string("12")));
+    std::printf("  SFString into SFFloat:      %s (a refused pair)\n", taken ? "converted" : "refused");
+
+    std::string bytes = points.getBinValue();
+    MFVec3f copy(lamp);
+    copy.setValueByBin(0.0, bytes);
+    std::printf("Binary round trip of points: %zu bytes, back as %s (%s)\n", bytes.size(), copy.strValue().c_str(),
+                copy.equalValue(points) ? "equal" : "different");
+}
+
 int main()
 {
     Log::the().setLevel(LOG_NOTICE);
@@ -194,6 +220,7 @@ int main()
     for (unsigned i = 2; i < lamp->partCount(); ++i)
         lamp->findField(i)->removeListener(&printer);
 
+    conversionDemo(*lamp);
     sceneDemo();
     return 0;
 }
