@@ -18,6 +18,7 @@ public:
     ~MFNode() override;
     using Field::setValueByStr;
     using Field::setValueByBin;
+    using Field::setValueByField;
     static constexpr NodePartDataType DataType = MFNodeType;
 
     // A null node is refused.

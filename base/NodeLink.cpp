@@ -81,7 +81,8 @@ void NodeLink::markParent() const
 bool NodeLink::setNode(const Node* node)
 {
     Node* child = const_cast<Node*>(node);
-    if (child == _node.get())
+    // Clearing an empty link still marks the parent below.
+    if (child && child == _node.get())
         return true;
 
     NodeType* allowed = nullptr;

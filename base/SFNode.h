@@ -16,6 +16,7 @@ public:
     SFNode& operator=(const SFNode& other);
     using Field::setValueByStr;
     using Field::setValueByBin;
+    using Field::setValueByField;
     static constexpr NodePartDataType DataType = SFNodeType;
 
     Node*     node() const { return _value.node(); }

@@ -1,0 +1,108 @@
+#include "base/MetadataObject.h"
+#include "base/NodePartDesc.h"
+#include "base/SFBool.h"
+#include "base/SFNode.h"
+#include "base/SFString.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TypeScope.h"
+
+#include <gtest/gtest.h>
+
+using namespace Orvane;
+using namespace Orvane::Test;
+
+namespace {
+
+// A concrete metadata node, as the modules outside this library declare them.
+class TestMetadata : public MetadataObject {
+public:
+    TestMetadata(NodeType& type, NodeNameSpace& ns, const char* name) : MetadataObject(type, ns, name) {}
+    static Node*     create(NodeType& type, NodeNameSpace& ns, const char* name) { return new TestMetadata(type, ns, name); }
+    static NodeProc* createProc(NodeType&, Node& node) { return new MetadataObjectProc(node); }
+};
+
+struct MetadataTest : ::testing::Test {
+    std::unique_ptr<NodeTypeNameSpace> types{NodeTypeNameSpace::create("meta", &theBaseNodeTypeFactory())};
+    SmartPtr<NodeNameSpace>            nodes{new NodeNameSpace("meta", nullptr, types.get())};
+    NodeType type{*types, "TestMetadata", "Test", "MetadataObject", nullptr, "1.0", "Test", nullptr, "stable",
+                  nullptr, "Orvane", false, false, &MetadataObject::isType, &TestMetadata::create,
+                  &TestMetadata::createProc, nullptr, 0};
+};
+
+} // namespace
+
+TEST_F(MetadataTest, TheAbstractTypeAndItsFields)
+{
+    NodeType& meta = MetadataObject::classType();
+    EXPECT_TRUE(meta.isAbstract());
+    EXPECT_EQ(meta.parentName(), "Node");
+    EXPECT_EQ(meta.standard(), "X3D3.0");
+    EXPECT_EQ(meta.component(), "Core");
+    EXPECT_EQ(meta.version(), "");
+    EXPECT_EQ(meta.status(), "stable");
+    EXPECT_TRUE(meta.description().starts_with("This abstract interface is the basis for all metadata nodes."));
+    meta.initType();
+    ASSERT_EQ(meta.partCount(), 5u);
+    const char* names[] = {"logFeature", "metadata", "name", "reference", "enabled"};
+    for (unsigned i = 0; i < 5; ++i) {
+        EXPECT_EQ(meta.part(i)->name(), names[i]);
+        EXPECT_EQ(meta.part(i)->ID(), i);
+        EXPECT_EQ(meta.part(i)->partType(), ExposedFieldPartType);
+        EXPECT_TRUE(meta.part(i)->autoProcess());
+    }
+    EXPECT_TRUE(meta.part(4)->typeExtension());
+    EXPECT_EQ(meta.part(4)->defaultValue(), "TRUE");
+    EXPECT_EQ(meta.part(2)->description(), "Enter the metadata attribute name here.");
+    EXPECT_EQ(meta.part(1)->nodeType(), &meta);
+
+    LogCapture log;
+    EXPECT_EQ(MetadataObject::create(nodes.get(), "Abstract"), nullptr);
+    EXPECT_EQ(log.count("Could not create MetadataObject node in NodeType::createNode()\n"), 1) << log.all();
+    EXPECT_TRUE(MetadataObject::init());
+    EXPECT_EQ(log.count("Init MetadataObject: OK\n", LOG_INFO), 1);
+}
+
+TEST_F(MetadataTest, ANewMetadataNodeIsEnabledAndFitsTheMetadataField)
+{
+    SmartPtr<Node> node(type.createNode(nodes.get(), "Info"));
+    ASSERT_TRUE(node);
+    auto* meta = dynamic_cast<TestMetadata*>(node.get());
+    ASSERT_NE(meta, nullptr);
+    EXPECT_TRUE(meta->enabled().value());
+    EXPECT_TRUE(meta->enabled().valueIsDefault());
+    EXPECT_EQ(meta->name().value(), "");
+    EXPECT_TRUE(MetadataObject::isType(node.get()));
+    EXPECT_TRUE(type.checkType(node.get()));
+
+    SmartPtr<Node> holder(NodeType::createNode(nodes.get(), "Node", "Holder", UnknownCreator));
+    auto& slot = static_cast<SFNode&>(*holder->findField("metadata"));
+    EXPECT_TRUE(slot.setNode(node.get()));
+    EXPECT_EQ(holder->metadata()->node(), node.get());
+    LogCapture log;
+    EXPECT_FALSE(slot.setNode(holder.get()));
+    EXPECT_EQ(log.count("Can't NodeLink::setNode() for node Holder of type Node, because NodeLink needs "
+                        "MetadataObject Node\n"), 1) << log.all();
+}
+
+TEST_F(MetadataTest, TheProcessorReportsItsFieldsAndLoopsAreBroken)
+{
+    SmartPtr<Node> node(type.createNode(nodes.get(), "Info"));
+    auto* meta = static_cast<TestMetadata*>(node.get());
+    node->setNodeState(0.0, Live);
+    LogCapture log;
+    meta->name().setValue(1.0, std::string("author"));
+    meta->reference().setValue(1.0, std::string("ref"));
+    meta->enabled().setValue(1.0, false);
+    EXPECT_EQ(log.count("MetadataObjectProc::fieldChanged(name) not impl.\n", LOG_FATAL), 1) << log.all();
+    EXPECT_EQ(log.count("MetadataObjectProc::fieldChanged(reference) not impl.\n", LOG_FATAL), 1);
+    EXPECT_EQ(log.count("MetadataObjectProc::fieldChanged(enabled) not impl.\n", LOG_FATAL), 1);
+
+    // A change of name that arrives while name is being processed is dropped.
+    log.clear();
+    node->setIsChanging(PartMask::bit(2));
+    meta->name().setValue(2.0, std::string("again"));
+    EXPECT_EQ(log.count("Field TestMetadata/Info.name is already changing; break loop\n", LOG_INFO), 1)
+        << log.all();
+    EXPECT_EQ(log.count("MetadataObjectProc::fieldChanged(name) not impl.\n"), 0);
+    node->clearIsChanging(PartMask::bit(2));
+}

@@ -1,0 +1,314 @@
+#include "base/Component.h"
+#include "base/MFNode.h"
+#include "base/MetadataObject.h"
+#include "base/Observer.h"
+#include "base/SFNode.h"
+#include "base/Subject.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TypeScope.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+using namespace Orvane;
+using namespace Orvane::Test;
+
+namespace {
+
+// Shape (abstract) <- Box <- Crate; Group takes any node.
+struct NodeTypeTest : ::testing::Test {
+    TypeScope scope;
+    NodeType& shape = scope.declare("Shape", "Node", {{"color", ExposedFieldPartType, SFColorType}}, 2,
+                                    {.abstract = true});
+    NodeType& box = scope.declare("Box", "Shape", {{"size", ExposedFieldPartType, SFVec3fType}}, 3);
+    NodeType& crate = scope.declare("Crate", "Box", {{"label", FieldPartType, SFStringType}}, 4);
+    NodeType& group = scope.declare("Group", "Node", {{"children", ExposedFieldPartType, MFNodeType}});
+    NodeType& other = scope.declare("Other", "Node", {});
+
+    void SetUp() override
+    {
+        LogCapture quiet;
+        for (NodeType* t : {&shape, &box, &crate, &group, &other})
+            ASSERT_EQ(t->initType(), 0) << t->name() << quiet.all();
+    }
+};
+
+} // namespace
+
+TEST_F(NodeTypeTest, InheritedPartsComeFirstAndTheTreeIsLinked)
+{
+    ASSERT_EQ(crate.partCount(), 5u);
+    EXPECT_EQ(crate.part(0)->name(), "logFeature");
+    EXPECT_EQ(crate.part(1)->name(), "metadata");
+    EXPECT_EQ(crate.part(2), shape.part(2));
+    EXPECT_EQ(crate.part(3)->name(), "size");
+    EXPECT_EQ(crate.part(4)->name(), "label");
+    EXPECT_EQ(crate.part(4)->ownerType(), &crate);
+    EXPECT_EQ(crate.parentNodeType(), &box);
+    EXPECT_EQ(box.derivedNodeTypeList().front(), &crate);
+    EXPECT_EQ(crate.findFieldPart("size"), crate.part(3));
+    EXPECT_EQ(crate.findInSlotPart("set_size"), crate.part(3));
+    EXPECT_EQ(crate.findOutSlotPart("size_changed"), crate.part(3));
+    EXPECT_EQ(crate.findInSlotPart("label"), nullptr);
+    EXPECT_EQ(NodeType::findType(crate.ID()), &crate);
+    EXPECT_TRUE(shape.isAbstract());
+    EXPECT_FALSE(box.isAbstract());
+    EXPECT_EQ(box.compObj(), Component::findComponent("Test"));
+    std::string address;
+    EXPECT_TRUE(crate.fillAbsolutAddress(address));
+    EXPECT_EQ(address, "base::test::Crate");
+}
+
+TEST_F(NodeTypeTest, UnknownParentFailsWithBothNamesAndMergesNothing)
+{
+    LogCapture log;
+    NodeType& orphan = scope.declare("Orphan", "NoSuchType", {{"x", FieldPartType, SFFloatType}});
+    EXPECT_EQ(orphan.initType(), 1);
+    EXPECT_EQ(log.count("Can't find NodeType for NoSuchType, parent of Orphan\n", LOG_FATAL), 1) << log.all();
+    EXPECT_EQ(orphan.partCount(), 0u);
+    EXPECT_EQ(orphan.parentNodeType(), nullptr);
+    // Still registered, and not tried again.
+    EXPECT_EQ(NodeType::findType(orphan.ID()), &orphan);
+    EXPECT_EQ(orphan.initType(), 0);
+}
+
+TEST_F(NodeTypeTest, RepeatedInheritedNameIsRefusedAndTheInheritedOneStays)
+{
+    LogCapture log;
+    NodeType& twice = scope.declare("Twice", "Box", {{"size", FieldPartType, SFFloatType}, {"extra", FieldPartType, SFInt32Type}}, 4);
+    EXPECT_EQ(twice.initType(), 1);
+    EXPECT_EQ(log.count("There is already a part size in Type Twice\n"), 1) << log.all();
+    ASSERT_EQ(twice.partCount(), 5u);
+    EXPECT_EQ(twice.findPart("size"), box.part(3));
+    EXPECT_EQ(twice.findPart("size")->dataType(), SFVec3fType);
+}
+
+TEST_F(NodeTypeTest, IsADistanceWalksTheAncestors)
+{
+    EXPECT_EQ(crate.isADistance(crate), 0);
+    EXPECT_EQ(crate.isADistance(box), 1);
+    EXPECT_EQ(crate.isADistance(shape), 2);
+    EXPECT_EQ(crate.isADistance(Node::classType()), 3);
+    EXPECT_EQ(crate.isADistance(group), -1);
+    EXPECT_EQ(box.isADistance(crate), -1);
+    EXPECT_TRUE(crate.isA(shape));
+    EXPECT_FALSE(shape.isA(crate));
+}
+
+TEST_F(NodeTypeTest, AbstractTypesCreateTheirDefaultDescendantOrNothing)
+{
+    LogCapture log;
+    EXPECT_FALSE(scope.make("Shape"));
+    EXPECT_EQ(log.count("Could not create Shape node in NodeType::createNode()\n"), 1) << log.all();
+
+    EXPECT_FALSE(box.setDefaultDescendant(&crate));
+    EXPECT_EQ(log.count("NodeType::setDefaultDescendant() call on non-abstract type\n"), 1);
+    EXPECT_FALSE(shape.setDefaultDescendant(&group));
+    EXPECT_EQ(log.count("Invalid setDefaultDescendant(): Group is not a Shape\n"), 1);
+
+    // Declared as the default of Shape: registered by initType.
+    NodeType& ball = scope.declare("Ball", "Shape", {}, 3, {.defaultDescendantOf = "Shape"});
+    EXPECT_EQ(ball.initType(), 0) << log.all();
+    EXPECT_EQ(shape.defaultDescendant(), &ball);
+    EXPECT_EQ(ball.isDefaultDescendantOf(), &shape);
+    EXPECT_EQ(box.isDefaultDescendantOf(), nullptr);
+    log.clear();
+    SmartPtr<Node> node = scope.make("Shape", "Default");
+    ASSERT_TRUE(node);
+    EXPECT_EQ(&node->type(), &ball);
+    EXPECT_EQ(node->creator(), SystemCreator);
+    EXPECT_STREQ(node->creatorName(), "System");
+    EXPECT_EQ(log.count("Create _defaultDescendant Node of type Ball for Shape\n", LOG_INFO), 1) << log.all();
+}
+
+TEST_F(NodeTypeTest, ObjectCountCoversEveryAncestor)
+{
+    const std::uint32_t nodes0 = Node::classType().objectCount();
+    {
+        SmartPtr<Node> a = scope.make("Crate");
+        SmartPtr<Node> b = scope.make("Crate");
+        SmartPtr<Node> c = scope.make("Box");
+        SmartPtr<Node> g = scope.make("Group");
+        EXPECT_EQ(crate.objectCount(), 2u);
+        EXPECT_EQ(box.objectCount(), 3u);
+        EXPECT_EQ(shape.objectCount(), 3u);
+        EXPECT_EQ(group.objectCount(), 1u);
+        EXPECT_EQ(Node::classType().objectCount(), nodes0 + 4);
+        b = nullptr;
+        EXPECT_EQ(crate.objectCount(), 1u);
+        EXPECT_EQ(box.objectCount(), 2u);
+        EXPECT_EQ(shape.objectCount(), 2u);
+    }
+    EXPECT_EQ(shape.objectCount(), 0u);
+    EXPECT_EQ(Node::classType().objectCount(), nodes0);
+}
+
+TEST_F(NodeTypeTest, StatusTextsAreCaseSensitive)
+{
+    const struct {
+        const char*    text;
+        NodeTypeStatus id;
+    } cases[] = {{"experimental", ExperimentalStatus}, {"alpha", AlphaStatus}, {"beta", BetaStatus},
+                 {"stable", StableStatus}, {"deprecated", DeprecatedStatus}, {"Stable", InvalidStatus},
+                 {"", InvalidStatus}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        LogCapture log;
+        NodeType& t = scope.declare("Status", "Node", {}, 2, {.status = c.text});
+        t.initType();
+        EXPECT_EQ(t.statusID(), c.id);
+        EXPECT_EQ(log.count("Status: Invalid status: " + std::string(c.text) + "\n", LOG_FATAL),
+                  c.id == InvalidStatus ? 1 : 0);
+    }
+}
+
+TEST_F(NodeTypeTest, DeprecatedTypesStillCreateTheirNodes)
+{
+    NodeType& old = scope.declare("Old", "Node", {}, 2, {.status = "deprecated", .comment = "use New"});
+    old.initType();
+    LogCapture log;
+    SmartPtr<Node> node = scope.make("Old", "OldOne");
+    ASSERT_TRUE(node);
+    EXPECT_EQ(log.count("Old/OldOne Type is DEPRECATED: use New\n", LOG_FATAL), 1) << log.all();
+}
+
+TEST_F(NodeTypeTest, RegistrationReportsMissingComponents)
+{
+    LogCapture log;
+    const unsigned comps = Component::compCount();
+    NodeType& loose = scope.declare("Loose", "Node", {}, 2, {.component = nullptr});
+    EXPECT_EQ(log.count("NodeType Loose is not assigned to any compnent\n", LOG_WARNING), 1) << log.all();
+    EXPECT_EQ(log.count("Concrete NodeType >Loose< is not assigned to any component\n", LOG_WARNING), 1);
+    EXPECT_EQ(log.count("Add Native Node type: Loose\n", LOG_INFO), 1);
+    EXPECT_EQ(loose.compObj(), nullptr);
+    scope.declare("Fresh", "Node", {}, 2, {.component = "FreshComponent"});
+    EXPECT_EQ(Component::compCount(), comps + 1);
+    ASSERT_NE(Component::findComponent("FreshComponent"), nullptr);
+    EXPECT_EQ(Component::findComponent("FreshComponent")->types().size(), 1u);
+}
+
+TEST_F(NodeTypeTest, GroupAndLeafTypes)
+{
+    NodeType& typed = scope.declare("Typed", "Node", {{"shapes", FieldPartType, MFNodeType, 0, nullptr, "Shape"}});
+    NodeType& dangling = scope.declare("Dangling", "Node", {{"x", FieldPartType, SFNodeType, 0, nullptr, "Unknown"}});
+    typed.initType();
+    dangling.initType();
+    LogCapture log;
+    EXPECT_TRUE(group.isAGenericGroupNode());
+    EXPECT_FALSE(typed.isAGenericGroupNode());
+    // Every node has the metadata field, restricted to MetadataObject: not generic, not a leaf.
+    EXPECT_FALSE(other.isAGenericGroupNode());
+    EXPECT_FALSE(other.isALeafNode());
+    // An unresolvable restriction accepts any node, after saying so.
+    EXPECT_TRUE(dangling.isAGenericGroupNode());
+    EXPECT_EQ(log.count("Cannot find Unknown for Dangling ref\n", LOG_FATAL), 1) << log.all();
+
+    TestNodeType bare{"Bare", {{"f", FieldPartType, SFFloatType}}};
+    EXPECT_TRUE(bare.type().isALeafNode());
+}
+
+TEST_F(NodeTypeTest, CreateNodeAttachesToEveryKindOfParent)
+{
+    struct Counter {
+        static void count(const double&, Observer*, BaseObject* a, BaseObject*, BaseObject*, const void* user)
+        {
+            if (dynamic_cast<Node*>(a))
+                ++*static_cast<int*>(const_cast<void*>(user));
+        }
+    };
+    int created = 0;
+    Observer watcher(Node::newObjectSubject(), "created");
+    watcher.addCallback(&Counter::count, &created);
+
+    SmartPtr<Node> parent = scope.make("Group", "Parent");
+    ASSERT_TRUE(parent);
+    EXPECT_EQ(parent->state(), NodeState::Setup);
+    EXPECT_EQ(parent->creator(), RuntimeCreator);
+    EXPECT_EQ(created, 1);
+
+    Node* byNode = box.createNode(parent.get(), "ByNode");
+    ASSERT_TRUE(byNode);
+    auto& children = static_cast<MFNode&>(*parent->findField("children"));
+    Node* byField = box.createNode(&children, "ByField");
+    EXPECT_EQ(children.size(), 2u);
+    EXPECT_EQ(children.childNode(0), byNode);
+    EXPECT_EQ(children.childNode(1), byField);
+    EXPECT_EQ(byNode->refCount(), 1);
+
+    // The metadata field of a box takes only metadata nodes: a box is refused there.
+    auto& metadata = static_cast<SFNode&>(*byNode->findField("metadata"));
+    LogCapture log;
+    SmartPtr<Node> refused(box.createNode(&metadata, "Refused"));
+    EXPECT_TRUE(refused);
+    EXPECT_EQ(metadata.node(), nullptr);
+    EXPECT_EQ(log.count("Can't NodeLink::setNode() for node Refused of type Box, because NodeLink needs "
+                        "MetadataObject Node\n", LOG_WARNING), 1) << log.all();
+    EXPECT_EQ(created, 4);
+    EXPECT_EQ(box.objectCount(), 3u);
+}
+
+TEST_F(NodeTypeTest, CreateNodeFailures)
+{
+    LogCapture log;
+    EXPECT_EQ(box.createNode(nullptr, "Nowhere"), nullptr);
+    EXPECT_EQ(log.count("Box/%: No valid NodeNameSpace in createNode\n", LOG_FATAL), 1) << log.all();
+    EXPECT_EQ(NodeType::createNode(nullptr, "Box", "x", UnknownCreator), nullptr);
+    EXPECT_EQ(log.count("Invalid nodespace while creating Node instance\n"), 1);
+    EXPECT_EQ(NodeType::createNode(&scope.nodes(), "NoSuchType", "x", UnknownCreator), nullptr);
+    EXPECT_EQ(log.count("Could not find/load type NoSuchType to create node\n"), 1);
+    // A type from an enclosing scope is found; a sibling scope's is not.
+    TypeScope sibling("sibling");
+    sibling.declare("OnlyThere", "Node", {});
+    EXPECT_EQ(NodeType::createNode(&scope.nodes(), "OnlyThere", nullptr, UnknownCreator), nullptr);
+    SmartPtr<Node> base(NodeType::createNode(&scope.nodes(), "Node", nullptr, UnknownCreator));
+    EXPECT_TRUE(base);
+}
+
+TEST_F(NodeTypeTest, ContextRootTypesMakeANameSpaceOfTheirOwn)
+{
+    LogCapture log;
+    NodeType& world = scope.declare("TestWorld", "Node", {{"children", ExposedFieldPartType, MFNodeType}}, 2,
+                                    {.contextRoot = true});
+    EXPECT_EQ(log.count("Register Context Root Type: TestWorld\n", LOG_INFO), 1) << log.all();
+    EXPECT_EQ(NodeType::findContextRootType("TestWorld"), &world);
+    world.initType();
+
+    SmartPtr<Node> split(world.createNode(nullptr, "scene:top"));
+    ASSERT_TRUE(split);
+    EXPECT_EQ(split->nameSpace().name(), "scene");
+    EXPECT_EQ(split->name(), "top");
+    EXPECT_EQ(split->nameSpace().root(), split.get());
+    EXPECT_EQ(log.count("ContextRoot NameSpace: scene, Name: top\n", LOG_INFO), 1);
+
+    SmartPtr<Node> plain(world.createNode(&scope.nodes(), "alone"));
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(log.count("NameSpace given while create ContextRoot node\n", LOG_WARNING), 1);
+    EXPECT_EQ(plain->nameSpace().name(), "testworld");
+    EXPECT_NE(&plain->nameSpace(), &scope.nodes());
+
+    // Children of a context root live in its namespace.
+    Node* child = box.createNode(plain.get(), "inside");
+    ASSERT_TRUE(child);
+    EXPECT_EQ(&child->nameSpace(), &plain->nameSpace());
+    EXPECT_EQ(plain->nameSpace().findNode("inside"), child);
+
+    log.clear();
+    scope.declare("TestWorld", "Node", {}, 2, {.contextRoot = true});
+    EXPECT_EQ(log.count("Second Context Root Type with equal name: >TestWorld<", LOG_FATAL), 1) << log.all();
+}
+
+TEST_F(NodeTypeTest, TypeTreeInitAndReports)
+{
+    LogCapture log;
+    EXPECT_GE(NodeType::initTypeTree(), 0);
+    EXPECT_TRUE(log.containsFragment("init node types: ")) << log.all();
+    std::vector<NodeType*> all, abstracts;
+    EXPECT_EQ(NodeType::getTypeVec(all), static_cast<int>(NodeType::typeCount()));
+    NodeType::getTypeVec(abstracts, 2);
+    EXPECT_NE(std::find(abstracts.begin(), abstracts.end(), &shape), abstracts.end());
+    EXPECT_EQ(std::find(abstracts.begin(), abstracts.end(), &box), abstracts.end());
+    std::ostringstream report;
+    EXPECT_GT(NodeType::reportDocStatus(report, false), 0);
+    EXPECT_NE(report.str().find("Crate: stable"), std::string::npos);
+}

@@ -1,0 +1,131 @@
+#ifndef ORVANE_TESTS_TYPESCOPE_H
+#define ORVANE_TESTS_TYPESCOPE_H
+
+#include "base/Log.h"
+#include "base/Node.h"
+#include "base/NodeLink.h"
+#include "base/NodeNameSpace.h"
+#include "base/NodePartDesc.h"
+#include "base/NodeProc.h"
+#include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
+#include "base/SmartPtr.h"
+#include "tests/support/TestNodes.h"
+
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Orvane::Test {
+
+// Remembers every hook call with the node's state at the time, e.g. "detach@Realize".
+class TraceProc : public NodeProc {
+public:
+    explicit TraceProc(Node& node, std::vector<std::string>* trace) : NodeProc(node), _trace(trace) {}
+
+    void setup(const double&) override { note("setup"); }
+    void initialize(const double&) override { note("initialize"); }
+    void attach(const double&) override { note("attach"); }
+    void detach(const double&) override { note("detach"); }
+    void shutdown(const double&) override { note("shutdown"); }
+    void dispose(const double&) override { note("dispose"); }
+    void childAdded(NodeLink& link) override { noteLink("childAdded", link); }
+    void childRemoved(NodeLink& link) override { noteLink("childRemoved", link); }
+    void parentAdded(NodeLink& link) override { noteLink("parentAdded", link); }
+    void parentRemoved(NodeLink& link) override { noteLink("parentRemoved", link); }
+
+    std::vector<NodeLink*> links;  // the links of the link hooks, in call order
+
+private:
+    void note(const char* hook)
+    {
+        if (_trace)
+            _trace->push_back(std::string(hook) + "@" + node()->stateName());
+    }
+    void noteLink(const char* hook, NodeLink& link)
+    {
+        links.push_back(&link);
+        if (_trace)
+            _trace->push_back(std::string(hook) + ":" + node()->getIDStr());
+    }
+
+    std::vector<std::string>* _trace;
+};
+
+// How TypeScope::declare makes a type.
+struct TypeOptions {
+    bool        abstract = false;
+    const char* status = "stable";
+    const char* defaultDescendantOf = nullptr;
+    bool        contextRoot = false;
+    const char* component = "Test";
+    const char* comment = nullptr;
+};
+
+// Node types declared for one test in a type namespace of their own, below the base one, with a
+// node namespace for their nodes. Types are destroyed with the scope; release nodes first.
+class TypeScope {
+public:
+    using Options = TypeOptions;
+
+    explicit TypeScope(const char* name = "test")
+        : _types(NodeTypeNameSpace::create(name, &theBaseNodeTypeFactory())),
+          _nodes(new NodeNameSpace(name, nullptr, _types.get()))
+    {
+    }
+
+    ~TypeScope()
+    {
+        _nodes = nullptr;
+        while (!_declared.empty())
+            _declared.pop_back();
+    }
+
+    // Descriptor i of `parts` gets the ID firstID + i: the parent's part count.
+    NodeType& declare(const char* name, const char* parent, std::vector<PartSpec> parts, unsigned firstID = 2,
+                      Options options = {})
+    {
+        std::vector<NodePartDesc>& descs = _descs.emplace_back();
+        descs.reserve(parts.size());
+        for (const PartSpec& p : parts) {
+            unsigned id = firstID + static_cast<unsigned>(descs.size());
+            descs.emplace_back(id, PartMask::bit(id), p.partType, p.dataType, p.flags, p.name, nullptr,
+                               p.defaultValue, p.valueType);
+        }
+        _declared.push_back(std::make_unique<NodeType>(
+            *_types, name, "Test", parent, options.defaultDescendantOf, "1.0", options.component, options.comment,
+            options.status, nullptr, "Orvane", false, options.contextRoot, &Node::isNodeType,
+            options.abstract ? nullptr : &TypeScope::createNode, options.abstract ? nullptr : &TypeScope::createProc,
+            descs.data(), static_cast<unsigned>(descs.size())));
+        return *_declared.back();
+    }
+
+    NodeTypeNameSpace& types() { return *_types; }
+    NodeNameSpace&     nodes() { return *_nodes; }
+
+    SmartPtr<Node> make(const char* type, const char* name = nullptr)
+    {
+        return SmartPtr<Node>(NodeType::createNode(_nodes.get(), type, name, RuntimeCreator));
+    }
+
+    // Where new nodes' processors write their traces; null for none.
+    static std::vector<std::string>*& trace()
+    {
+        static std::vector<std::string>* t = nullptr;
+        return t;
+    }
+
+private:
+    static Node*     createNode(NodeType& type, NodeNameSpace& ns, const char* name) { return Node::createNode(type, ns, name); }
+    static NodeProc* createProc(NodeType&, Node& node) { return new TraceProc(node, trace()); }
+
+    std::unique_ptr<NodeTypeNameSpace>     _types;
+    SmartPtr<NodeNameSpace>                _nodes;
+    std::list<std::vector<NodePartDesc>>   _descs;
+    std::vector<std::unique_ptr<NodeType>> _declared;
+};
+
+} // namespace Orvane::Test
+
+#endif
