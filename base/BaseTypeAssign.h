@@ -54,6 +54,7 @@ class Field;
 //   float components, "%.16g" for double and time, components separated by one space,
 //   matrices in storage order).
 // - Image to Image and Sound to Sound copy.
+// - Text is never parsed here: no kind but String itself takes a String.
 // A ConvertParam, where Field::assign is given one, can change the digits of numbers written
 // as text, scale numbers, and round to nearest for Int32; see ConvertParam.h.
 

@@ -14,7 +14,8 @@ namespace Orvane {
 //   which is all a double holds.
 // - scale: factor applied to every number taken from a number, vector or colour into a
 //   number, vector or colour (Time seconds to Int32 milliseconds: 1000). Booleans, rotations,
-//   matrices, images and text are never scaled, and neither is a copy between equal kinds.
+//   matrices, images and text are never scaled, and neither is a copy between equal value
+//   types (Double to Time included).
 // - rounding: how a number becomes an Int32: toward zero like a C cast, or to the nearest
 //   integer (halves away from zero). Either way the result saturates at the int range and a
 //   NaN gives 0.
