@@ -1,5 +1,7 @@
 #include "base/Qubit.h"
 
+#include "base/NumberText.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -55,10 +57,13 @@ void Qubit::appendText(std::string& out) const
         out += "UNSET";
         return;
     }
-    char buf[128];
-    int n = std::snprintf(buf, sizeof buf, "%g %g %g %g", _alpha.real(), _alpha.imag(), _beta.real(),
-                          _beta.imag());
-    out.append(buf, std::size_t(n));
+    // "%g" in the C locale, whatever the process locale says.
+    const double parts[4] = {_alpha.real(), _alpha.imag(), _beta.real(), _beta.imag()};
+    for (int i = 0; i < 4; ++i) {
+        if (i)
+            out += ' ';
+        NumberText::appendGeneral(out, parts[i], 6);
+    }
 }
 
 bool Qubit::fromText(const char* text, const char** end)
@@ -79,8 +84,8 @@ bool Qubit::fromText(const char* text, const char** end)
 
     double v[4] = {0.0, 0.0, 0.0, 0.0};
     for (int i = 0; i < 4; ++i) {
-        char* after = nullptr;
-        double d = std::strtod(p, &after);
+        const char* after = p;
+        double d = NumberText::parseDouble(p, &after);
         if (after == p) {
             if (i == 0) {
                 if (end)

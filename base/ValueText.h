@@ -114,16 +114,19 @@ struct ValueText {
                 ++p;
             if (p >= last)
                 break;
+            // Bounded by the token: the C parser would skip a leading vertical tab or form
+            // feed and then the separators after it, reading the next token's number.
+            const char* tokenEnd = p;
+            while (tokenEnd < last && !separators(*tokenEnd))
+                ++tokenEnd;
             const char* end = p;
-            C::set(element, component, parseScalar(p, last, &end));
+            C::set(element, component, parseScalar(p, tokenEnd, &end));
             if (++component == C::count) {
                 out.push_back(element);
                 element = T();
                 component = 0;
             }
-            p = end;
-            while (p < last && !separators(*p))
-                ++p;
+            p = tokenEnd;
         }
         if (component)
             out.push_back(element);

@@ -1,0 +1,458 @@
+#include "base/MFFloat.h"
+#include "base/MFNode.h"
+#include "base/MFString.h"
+#include "base/NodeProc.h"
+#include "base/SFFloat.h"
+#include "base/SFNode.h"
+#include "base/SFVec3f.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TestNodes.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace Orvane;
+using namespace Orvane::Test;
+
+namespace {
+
+// Records what the node's reaction saw; answers with `accept`.
+struct RecordingProc : NodeProc {
+    std::vector<std::string> calls;
+    bool                     accept = true;
+    bool*                    destroyed = nullptr;
+    SmartPtr<Node>*          dropOnChange = nullptr;
+
+    ~RecordingProc() override
+    {
+        if (destroyed)
+            *destroyed = true;
+    }
+    bool fieldChanged(Node&, Field& field, const double&, Field* source) override
+    {
+        calls.push_back(field.nameOrNoName());
+        EXPECT_EQ(source, nullptr);
+        if (dropOnChange)
+            *dropOnChange = nullptr;
+        return accept;
+    }
+};
+
+struct SendRecorder : Field::Listener {
+    std::vector<double> times;
+    std::vector<Field*> fields;
+    void fieldChanged(const double& time, Field& field) override
+    {
+        times.push_back(time);
+        fields.push_back(&field);
+    }
+};
+
+enum Part : unsigned { Exposed, ExposedAuto, EventIn, EventOut, PlainField, WithDefault, Vec3, EventOutAuto };
+
+struct FieldChangeTest : ::testing::Test {
+    TestNodeType type{"ChangeNode",
+                      {{"ef", ExposedFieldPartType, SFFloatType},
+                       {"efAuto", ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess},
+                       {"in", EventInPartType, SFFloatType},
+                       {"out", EventOutPartType, SFFloatType},
+                       {"fld", FieldPartType, SFFloatType},
+                       {"withDefault", ExposedFieldPartType, SFFloatType, 0, "2.5"},
+                       {"vec", FieldPartType, SFVec3fType, 0, "0 1 0"},
+                       {"outAuto", EventOutPartType, SFFloatType, NodePartDesc::CtorAutoProcess}}};
+    SmartPtr<Node> node = type.make();
+    RecordingProc* proc = new RecordingProc;
+    SendRecorder   sent;
+
+    FieldChangeTest() { node->setProc(proc); }
+
+    SFFloat& field(Part p) { return *static_cast<SFFloat*>(node->findField(p)); }
+    bool     masked(Part p) { return node->checkChangedMask(PartMask::bit(p)); }
+};
+
+struct ChangeCase {
+    const char*       what;
+    Part              part;
+    NodeState         state;
+    Field::CallerType caller;
+    bool              accept;
+    bool              receives;
+    bool              sends;
+    double            sendTime;
+};
+
+} // namespace
+
+TEST_F(FieldChangeTest, AccessTypeStateAndCallerDecideWhatHappens)
+{
+    const ChangeCase cases[] = {
+        {"exposed, realize, own setter", Exposed, Orvane::Realize, Field::FieldCaller, true, true, false, 0},
+        {"exposed, realize, send caller", Exposed, Realize, Field::SendCaller, true, true, true, 7},
+        {"exposed, live, own setter", Exposed, Live, Field::FieldCaller, true, true, false, 0},
+        {"exposed, send caller, rejected", Exposed, Live, Field::SendCaller, false, true, false, 0},
+        {"auto exposed, realize", ExposedAuto, Orvane::Realize, Field::FieldCaller, true, true, true, 7},
+        {"auto exposed, rejected", ExposedAuto, Orvane::Realize, Field::FieldCaller, false, true, false, 0},
+        {"eventIn, accepted", EventIn, Orvane::Realize, Field::FieldCaller, true, true, true, 7},
+        {"eventIn, rejected", EventIn, Live, Field::FieldCaller, false, true, false, 0},
+        {"eventOut", EventOut, Orvane::Realize, Field::FieldCaller, false, false, true, 7},
+        {"field", PlainField, Live, Field::FieldCaller, false, false, true, 7},
+        {"exposed, setup", Exposed, Orvane::Setup, Field::FieldCaller, false, false, true, 0},
+        {"auto exposed, creation", ExposedAuto, Creation, Field::SendCaller, true, false, true, 0},
+        {"eventIn, dispose", EventIn, Dispose, Field::FieldCaller, true, false, true, 0},
+        {"field, setup", PlainField, Orvane::Setup, Field::FieldCaller, true, false, true, 0},
+    };
+    for (const ChangeCase& c : cases) {
+        SCOPED_TRACE(c.what);
+        node->clearChangedMask();
+        node->setStateUnchecked(c.state);
+        proc->calls.clear();
+        proc->accept = c.accept;
+        SendRecorder listener;
+        SFFloat& f = field(c.part);
+        f.addListener(&listener);
+
+        f.setValue(7.0, 1.5f, c.caller);
+
+        EXPECT_EQ(f.value(), 1.5f);
+        EXPECT_TRUE(masked(c.part));
+        EXPECT_TRUE(f.changed());
+        EXPECT_EQ(node->changedMask(), PartMask::bit(c.part)) << "only this field's bit";
+        EXPECT_EQ(proc->calls.size(), c.receives ? 1u : 0u);
+        ASSERT_EQ(listener.times.size(), c.sends ? 1u : 0u);
+        if (c.sends) {
+            EXPECT_EQ(listener.times[0], c.sendTime);
+            EXPECT_EQ(listener.fields[0], &f);
+        }
+        f.removeListener(&listener);
+    }
+}
+
+TEST_F(FieldChangeTest, UnknownAccessTypeDoesNothingInTheLiveStates)
+{
+    LogCapture log;
+    TestNodeType odd{"OddNode", {{"odd", static_cast<NodePartType>(3), SFFloatType}}};
+    EXPECT_EQ(log.count("Unknown NodePartType in NodePartDesc Const.: 3\n", LOG_WARNING), 1) << log.all();
+    SmartPtr<Node> n = odd.make();
+    auto* p = new RecordingProc;
+    n->setProc(p);
+    SendRecorder listener;
+    Field* f = n->findField(0);
+    ASSERT_NE(f, nullptr);
+    f->addListener(&listener);
+
+    n->setStateUnchecked(Live);
+    f->processValueChange(1.0, Field::SendCaller);
+    EXPECT_FALSE(f->changed());
+    EXPECT_TRUE(p->calls.empty());
+    EXPECT_TRUE(listener.times.empty());
+
+    n->setStateUnchecked(Orvane::Setup);
+    f->processValueChange(1.0, Field::SendCaller);
+    EXPECT_TRUE(f->changed());
+    EXPECT_EQ(listener.times, std::vector<double>{0.0});
+}
+
+TEST_F(FieldChangeTest, WithoutDescriptorNothingHappens)
+{
+    node->setStateUnchecked(Realize);
+    SFFloat loose(*node);
+    SendRecorder listener;
+    loose.addListener(&listener);
+    LogCapture log;
+    loose.setValue(3.0, 2.0f, Field::SendCaller);
+    loose.setValueByStr(3.0, "4");
+    EXPECT_EQ(loose.value(), 4.0f);
+    EXPECT_FALSE(loose.changed());
+    EXPECT_TRUE(node->changedMask().empty());
+    EXPECT_TRUE(proc->calls.empty());
+    EXPECT_TRUE(listener.times.empty());
+    EXPECT_EQ(log.size(), 0u) << log.all();
+    EXPECT_EQ(loose.type(), FieldPartType);
+}
+
+TEST_F(FieldChangeTest, MarkingWithoutDescriptorIsReported)
+{
+    struct Markable : SFFloat {
+        using SFFloat::SFFloat;
+        using Field::markChanged;
+    };
+    Markable loose(*node);
+    LogCapture log;
+    loose.markChanged();
+    EXPECT_EQ(log.count("Field without desc in XField::markChanged()\n", LOG_INFO), 1) << log.all();
+    EXPECT_TRUE(node->changedMask().empty());
+    EXPECT_FALSE(node->hasFlag(Node::MarkedFlag));
+}
+
+TEST_F(FieldChangeTest, FirstChangeMarksTheParentsOnce)
+{
+    TestNodeType parentType{"Parent", {{"children", ExposedFieldPartType, MFNodeType}}};
+    SmartPtr<Node> parent = parentType.make();
+    auto& children = *static_cast<MFNode*>(parent->findField(0));
+    ASSERT_NE(children.addChild(node.get()), nullptr);
+    parent->clearChangedMask();
+    node->setStateUnchecked(Realize);
+
+    field(PlainField).setValue(1.0, 1.0f);
+    EXPECT_TRUE(node->hasFlag(Node::MarkedFlag));
+    EXPECT_TRUE(parent->hasFlag(Node::ChildChangedFlag));
+
+    // Already marked: the parents are not told again until the node's mask is cleared.
+    parent->clearChangedMask();
+    field(EventOut).setValue(2.0, 1.0f);
+    EXPECT_FALSE(parent->hasFlag(Node::ChildChangedFlag));
+    EXPECT_EQ(node->changedMask(), PartMask::bit(PlainField) | PartMask::bit(EventOut));
+
+    node->clearChangedMask();
+    field(PlainField).setValue(3.0, 1.0f);
+    EXPECT_TRUE(parent->hasFlag(Node::ChildChangedFlag));
+    children.clear();
+}
+
+TEST_F(FieldChangeTest, ChangeDuringItsOwnCascadeWarnsOnlyForAutoProcessedFields)
+{
+    node->setStateUnchecked(Realize);
+    LogCapture log;
+    const PartMask changing = PartMask::bit(EventOutAuto) | PartMask::bit(EventOut);
+    node->setIsChanging(changing);
+    const std::string prefix = "ChangeNode/" + node->getIDStr();
+
+    SendRecorder listener;
+    field(EventOutAuto).addListener(&listener);
+    field(EventOutAuto).setValue(1.0, 2.0f);
+    EXPECT_EQ(log.count(prefix + ".outAuto: processValueChange() && _isChangingMask set\n", LOG_WARNING), 1)
+        << log.all();
+    // ... and carries on.
+    EXPECT_EQ(listener.times, std::vector<double>{1.0});
+    EXPECT_TRUE(masked(EventOutAuto));
+
+    field(EventOut).setValue(1.0, 2.0f);
+    EXPECT_TRUE(masked(EventOut));
+    EXPECT_FALSE(log.containsFragment(".out: processValueChange() && _isChangingMask set")) << log.all();
+    node->clearIsChanging(changing);
+    field(EventOutAuto).removeListener(&listener);
+}
+
+TEST_F(FieldChangeTest, NodeDebugFlagsLogChangesAndReceives)
+{
+    node->setStateUnchecked(Live);
+    LogCapture log;
+    const std::string id = node->getIDStr();
+    field(Exposed).setValue(2.0, 1.5f);
+    EXPECT_EQ(log.size(), 0u) << log.all();
+
+    node->setDebugFlags(32);
+    field(Exposed).setValue(2.0, 1.5f);
+    EXPECT_EQ(log.count("ChangeNode/" + id + ".ef: processValueChange()\n", LOG_LOG), 1) << log.all();
+    EXPECT_FALSE(log.containsFragment("Field Receive"));
+
+    log.clear();
+    node->setDebugFlags(64);
+    field(Exposed).setValue(2.0, 1.5f);
+    EXPECT_EQ(log.count("ChangeNode/" + id + " Field Receive on ef: 2.000000/1.5\n", LOG_LOG), 1) << log.all();
+    EXPECT_FALSE(log.containsFragment("processValueChange()"));
+}
+
+TEST_F(FieldChangeTest, ReceiveSurvivesTheNodeDroppingItsLastReference)
+{
+    bool destroyed = false;
+    proc->destroyed = &destroyed;
+    proc->dropOnChange = &node;
+    proc->accept = false;
+    Node* raw = node.get();
+    raw->setStateUnchecked(Realize);
+    LogCapture log;
+    static_cast<SFFloat*>(raw->findField(Exposed))->setValue(1.0, 1.0f);
+    EXPECT_EQ(log.count("SubRef to zero in Field::receive()\n", LOG_LOG), 1) << log.all();
+    EXPECT_TRUE(destroyed);
+    EXPECT_FALSE(node);
+}
+
+TEST_F(FieldChangeTest, ListenersAreCalledInOrderWithDuplicates)
+{
+    struct Tracer : Field::Listener {
+        std::string* trace;
+        char         id;
+        Tracer(std::string* t, char i) : trace(t), id(i) {}
+        void fieldChanged(const double&, Field&) override { *trace += id; }
+    };
+    std::string trace;
+    Tracer one(&trace, '1'), two(&trace, '2');
+    SFFloat& f = field(PlainField);
+    f.addListener(&one);
+    f.addListener(&two);
+    f.addListener(&one);
+    f.callListeners(4.0);
+    EXPECT_EQ(trace, "121");
+
+    trace.clear();
+    f.removeListener(&one);
+    f.callListeners(5.0);
+    EXPECT_EQ(trace, "21");
+
+    trace.clear();
+    f.removeListener(&one);
+    f.removeListener(&one);
+    f.removeListener(&two);
+    f.callListeners(6.0);
+    EXPECT_EQ(trace, "");
+}
+
+TEST_F(FieldChangeTest, TimedSettersProcessTheChange)
+{
+    node->setStateUnchecked(Realize);
+    SFFloat& f = field(PlainField);
+    f.addListener(&sent);
+
+    f.setValueByStr(1.0, "2.5");
+    EXPECT_EQ(f.value(), 2.5f);
+    EXPECT_EQ(sent.times, std::vector<double>{1.0});
+
+    EXPECT_TRUE(f.setAndValidateValueByStr(2.0, "3.5", true));
+    EXPECT_EQ(f.value(), 3.5f);
+    EXPECT_EQ(sent.times, (std::vector<double>{1.0, 2.0}));
+    {
+        LogCapture quiet;
+        // A refused text still counts as a change.
+        EXPECT_FALSE(f.setAndValidateValueByStr(2.5, "x", true));
+    }
+    EXPECT_EQ(f.value(), 3.5f);
+    EXPECT_EQ(sent.times, (std::vector<double>{1.0, 2.0, 2.5}));
+
+    SFFloat other(*node, 4.5f);
+    EXPECT_TRUE(f.setValueByField(3.0, other));
+    EXPECT_EQ(f.value(), 4.5f);
+    EXPECT_EQ(sent.times, (std::vector<double>{1.0, 2.0, 2.5, 3.0}));
+
+    // Untimed setters and the default value do no change processing.
+    node->clearChangedMask();
+    f.setValue(9.0f);
+    f.setDefaultValue(4.0);
+    EXPECT_FALSE(f.changed());
+    EXPECT_EQ(sent.times.size(), 4u);
+    f.removeListener(&sent);
+}
+
+TEST_F(FieldChangeTest, DefaultValues)
+{
+    SFFloat& withDefault = field(WithDefault);
+    withDefault.setDefaultValue(0.0);
+    EXPECT_EQ(withDefault.value(), 2.5f);
+    EXPECT_TRUE(withDefault.valueIsDefault());
+    withDefault.setValue(2.25f);
+    EXPECT_FALSE(withDefault.valueIsDefault());
+    withDefault.setDefaultValue(0.0);
+    EXPECT_EQ(withDefault.value(), 2.5f);
+    EXPECT_FALSE(withDefault.changed());
+
+    auto& vec = *static_cast<SFVec3f*>(node->findField(Vec3));
+    EXPECT_FALSE(vec.valueIsDefault());
+    vec.setValue(Vec3f(0, 1, 0));
+    EXPECT_TRUE(vec.valueIsDefault());
+
+    // Without default text: SF fields are never at their default...
+    SFFloat& plain = field(PlainField);
+    plain.setValue(0.0f);
+    EXPECT_FALSE(plain.valueIsDefault());
+    plain.setValue(1.0f);
+    plain.setDefaultValue(0.0);
+    EXPECT_EQ(plain.value(), 1.0f);
+
+    // ... without descriptor always.
+    SFFloat loose(*node, 7.0f);
+    EXPECT_TRUE(loose.valueIsDefault());
+}
+
+TEST_F(FieldChangeTest, DefaultValuesOfMultiAndNodeFields)
+{
+    TestNodeType t{"DefaultNode",
+                   {{"list", FieldPartType, MFFloatType},
+                    {"listDefault", FieldPartType, MFFloatType, 0, "1 2"},
+                    {"names", FieldPartType, MFStringType, 0, "\"a\" \"b\""},
+                    {"child", FieldPartType, SFNodeType},
+                    {"children", FieldPartType, MFNodeType}}};
+    SmartPtr<Node> n = t.make();
+    auto& list = *static_cast<MFFloat*>(n->findField(0));
+    auto& listDefault = *static_cast<MFFloat*>(n->findField(1));
+    auto& names = *static_cast<MFString*>(n->findField(2));
+    auto& child = *static_cast<SFNode*>(n->findField(3));
+    auto& children = *static_cast<MFNode*>(n->findField(4));
+
+    EXPECT_TRUE(list.valueIsDefault());
+    list.addValue(0.0f);
+    EXPECT_FALSE(list.valueIsDefault());
+
+    EXPECT_FALSE(listDefault.valueIsDefault());
+    listDefault.setDefaultValue(0.0);
+    EXPECT_EQ(listDefault.value(), (std::vector<float>{1.0f, 2.0f}));
+    EXPECT_TRUE(listDefault.valueIsDefault());
+    listDefault.addValue(3.0f);
+    EXPECT_FALSE(listDefault.valueIsDefault());
+
+    names.addValue("a");
+    EXPECT_FALSE(names.valueIsDefault());
+    names.addValue("b");
+    EXPECT_TRUE(names.valueIsDefault());
+
+    EXPECT_TRUE(child.valueIsDefault());
+    EXPECT_TRUE(children.valueIsDefault());
+    child.setNode(node.get());
+    children.addChild(node.get());
+    EXPECT_FALSE(child.valueIsDefault());
+    EXPECT_FALSE(children.valueIsDefault());
+    child.setNode(nullptr);
+    children.clear();
+}
+
+TEST_F(FieldChangeTest, NamesAndDumps)
+{
+    LogCapture log;
+    EXPECT_STREQ(field(EventIn).findName(), "in");
+    EXPECT_EQ(field(Exposed).type(), ExposedFieldPartType);
+    EXPECT_EQ(field(EventOut).type(), EventOutPartType);
+    EXPECT_EQ(log.size(), 0u);
+
+    SFFloat loose(*node, 0.5f);
+    EXPECT_EQ(loose.findName(), nullptr);
+    EXPECT_EQ(log.count("Field without desc cannot return name\n", LOG_WARNING), 1) << log.all();
+
+    log.clear();
+    field(PlainField).setValue(1.5f);
+    field(PlainField).dump();
+    loose.dump();
+    EXPECT_EQ(log.count("FieldDump: fld, dataType SFFloat, value: 1.5\n"), 1) << log.all();
+    EXPECT_EQ(log.count("FieldDump: NoName, dataType SFFloat, value: 0.5\n"), 1) << log.all();
+    EXPECT_EQ(log.size(), 2u);
+    log.clear();
+    field(PlainField).dump(true);
+    EXPECT_EQ(log.size(), 2u);
+    EXPECT_TRUE(log.containsFragment(" Node: ChangeNode, " + node->getIDStr())) << log.all();
+}
+
+TEST_F(FieldChangeTest, CopiesTakeTheValueAndOnlyTheFullCopyTakesTheDescriptor)
+{
+    SFFloat& described = field(Exposed);
+    described.setValue(1.25f);
+
+    SFFloat valueOnly(*node, described);
+    EXPECT_EQ(valueOnly.value(), 1.25f);
+    EXPECT_EQ(valueOnly.desc(), nullptr);
+
+    SFFloat full(described);
+    EXPECT_EQ(full.value(), 1.25f);
+    EXPECT_EQ(full.desc(), described.desc());
+    EXPECT_EQ(&full.owner(), node.get());
+
+    SFFloat assigned(*node);
+    assigned = described;
+    EXPECT_EQ(assigned.value(), 1.25f);
+    EXPECT_EQ(assigned.desc(), nullptr);
+
+    MFFloat list(*node);
+    list.addValue(1.0f);
+    list.addValue(2.0f);
+    MFFloat listCopy(*node, list);
+    EXPECT_EQ(listCopy.value(), list.value());
+}
