@@ -41,11 +41,16 @@ Subject& makeSubject(const char* name)
     return *new Subject(name);
 }
 
-// The node fields of a node, in part order.
+// The node fields of a node, in part order. The type's descriptors tell which they are, so the
+// other fields are not touched.
 template <class Fn>
 void forEachNodeField(const Node& node, Fn fn)
 {
+    const NodeType& type = node.type();
     for (unsigned i = 0; i < node.partCount(); ++i) {
+        NodePartDesc* desc = i < type.partCount() ? type.part(i) : nullptr;
+        if (desc && !desc->isNodeField())
+            continue;
         Field* field = node.findField(i);
         if (!field)
             continue;

@@ -1,0 +1,147 @@
+// Node creation and release: nodes of a type with ten fields of mixed types made through
+// NodeType::createNode and released again, at 10,000, 100,000 and 1,000,000 nodes, beside a plain
+// struct with the same ten members made with new and delete. Heap bytes per node are measured by
+// this program's own operator new/delete, which count the bytes that are live.
+#include "base/Color3f.h"
+#include "base/MathTypes.h"
+#include "base/Node.h"
+#include "base/NodeNameSpace.h"
+#include "base/NodePartDesc.h"
+#include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
+#include "base/SmartPtr.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <malloc.h>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace {
+
+// Live heap bytes as the allocator hands them out (usable size, so rounding is counted).
+long long liveBytes = 0;
+
+void* allocate(std::size_t size)
+{
+    void* p = std::malloc(size ? size : 1);
+    if (!p)
+        throw std::bad_alloc();
+    liveBytes += static_cast<long long>(malloc_usable_size(p));
+    return p;
+}
+
+void release(void* p) noexcept
+{
+    if (!p)
+        return;
+    liveBytes -= static_cast<long long>(malloc_usable_size(p));
+    std::free(p);
+}
+
+} // namespace
+
+void* operator new(std::size_t size) { return allocate(size); }
+void* operator new[](std::size_t size) { return allocate(size); }
+void  operator delete(void* p) noexcept { release(p); }
+void  operator delete[](void* p) noexcept { release(p); }
+void  operator delete(void* p, std::size_t) noexcept { release(p); }
+void  operator delete[](void* p, std::size_t) noexcept { release(p); }
+
+using namespace Orvane;
+
+namespace {
+
+// Ten fields after the two every node inherits.
+struct BenchType {
+    NodePartDesc parts[10] = {
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess, "f"),
+        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, SFVec3fType, NodePartDesc::CtorAutoProcess, "v"),
+        NodePartDesc(4, PartMask::bit(4), ExposedFieldPartType, MFStringType, NodePartDesc::CtorAutoProcess, "s"),
+        NodePartDesc(5, PartMask::bit(5), ExposedFieldPartType, SFNodeType, NodePartDesc::CtorAutoProcess, "child"),
+        NodePartDesc(6, PartMask::bit(6), ExposedFieldPartType, MFNodeType, NodePartDesc::CtorAutoProcess, "children"),
+        NodePartDesc(7, PartMask::bit(7), ExposedFieldPartType, SFInt32Type, NodePartDesc::CtorAutoProcess, "i"),
+        NodePartDesc(8, PartMask::bit(8), FieldPartType, SFBoolType, 0, "b"),
+        NodePartDesc(9, PartMask::bit(9), ExposedFieldPartType, SFColorType, NodePartDesc::CtorAutoProcess, "c"),
+        NodePartDesc(10, PartMask::bit(10), ExposedFieldPartType, MFFloatType, NodePartDesc::CtorAutoProcess, "fs"),
+        NodePartDesc(11, PartMask::bit(11), ExposedFieldPartType, SFStringType, NodePartDesc::CtorAutoProcess, "name"),
+    };
+    NodeType type{theBaseNodeTypeFactory(), "BenchTen", "Bench", "Node", nullptr, "1.0", "Bench", nullptr, "stable",
+                  nullptr, "Orvane", false, false, &Node::isNodeType, &Node::createNode, &Node::createProc, parts, 10};
+    SmartPtr<NodeNameSpace> nameSpace{new NodeNameSpace("bench")};
+
+    BenchType() { type.initType(); }
+};
+
+BenchType& benchType()
+{
+    static BenchType& t = *new BenchType;
+    return t;
+}
+
+void createRelease(benchmark::State& state, int count)
+{
+    BenchType& bt = benchType();
+    std::vector<Node*> nodes;
+    nodes.reserve(static_cast<std::size_t>(count));
+    double bytesPerNode = 0;
+    for (auto _ : state) {
+        const long long before = liveBytes;
+        for (int i = 0; i < count; ++i) {
+            Node* node = bt.type.createNode(bt.nameSpace.get());
+            node->addRef();
+            nodes.push_back(node);
+        }
+        bytesPerNode = double(liveBytes - before) / count;
+        for (Node* node : nodes)
+            node->subRef();
+        nodes.clear();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * count);
+    state.counters["bytes_per_node"] = bytesPerNode;
+}
+
+// The same ten members in a plain struct: what the values alone cost.
+struct PlainNode {
+    float                    f = 0;
+    Vec3f                    v{};
+    std::vector<std::string> s;
+    PlainNode*               child = nullptr;
+    std::vector<PlainNode*>  children;
+    int                      i = 0;
+    bool                     b = false;
+    Color3f                  c;
+    std::vector<float>       fs;
+    std::string              name;
+};
+
+void createReleasePlain(benchmark::State& state, int count)
+{
+    std::vector<PlainNode*> nodes;
+    nodes.reserve(static_cast<std::size_t>(count));
+    double bytesPerNode = 0;
+    for (auto _ : state) {
+        const long long before = liveBytes;
+        for (int i = 0; i < count; ++i)
+            nodes.push_back(new PlainNode);
+        bytesPerNode = double(liveBytes - before) / count;
+        for (PlainNode* node : nodes)
+            delete node;
+        nodes.clear();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * count);
+    state.counters["bytes_per_node"] = bytesPerNode;
+}
+
+} // namespace
+
+BENCHMARK_CAPTURE(createRelease, n10k, 10'000)->Name("create_release_10k/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createReleasePlain, n10k, 10'000)->Name("create_release_10k/plain_struct")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createRelease, n100k, 100'000)->Name("create_release_100k/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createReleasePlain, n100k, 100'000)->Name("create_release_100k/plain_struct")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createRelease, n1m, 1'000'000)->Name("create_release_1m/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createReleasePlain, n1m, 1'000'000)->Name("create_release_1m/plain_struct")->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();
