@@ -87,7 +87,9 @@ void ValueText<std::string>::readList(const char* p, const char* last, std::list
             break;
         }
     if (!quoted) {
-        out.emplace_back(p, last);
+        // An empty text holds no element, so that an empty list reads back as empty.
+        if (p < last)
+            out.emplace_back(p, last);
         return;
     }
     for (;;) {

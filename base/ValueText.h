@@ -103,7 +103,7 @@ struct ValueText {
     }
 
     // Appends the numbers of the text, token by token, every token converted on its own;
-    // a last element that lacks numbers keeps zeros in their place.
+    // a last element that lacks numbers keeps the element type's defaults in their place.
     template <class Container>
     static void readList(const char* p, const char* last, Container& out, const SeparatorSet& separators)
     {

@@ -270,6 +270,8 @@ TEST_F(FieldTextCasesTest, ReadingQuotedStrings)
     EXPECT_EQ(items(read<MFString>(*node, "\"\" \"\"")), (V{"", ""}));
     EXPECT_EQ(items(read<MFString>(*node, "hello world")), V{"hello world"});
     EXPECT_TRUE(read<MFString>(*node, nullptr).empty());
+    // An empty text is an empty list, so an empty list reads back as it was written.
+    EXPECT_TRUE(read<MFString>(*node, "").empty());
 }
 
 TEST_F(FieldTextCasesTest, ImagesQubitsAndValuelessFields)
