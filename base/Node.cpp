@@ -77,6 +77,13 @@ void forEachChildLink(const Node& node, Fn fn)
     });
 }
 
+// A reference for the length of an operation that may drop the node's last one; none for a node
+// that nobody holds yet, which the reference would destroy on its way out.
+SmartPtr<Node> keepAlive(Node* node)
+{
+    return SmartPtr<Node>(node && node->refCount() > 0 ? node : nullptr);
+}
+
 bool matchesLogFeature(const std::string& value, const char* name)
 {
     return value == name;
@@ -423,7 +430,6 @@ bool Node::updateTreeState(const double& time, NodeState state)
     // Every node once, parents before their children; a shared node is visited at its first use.
     std::vector<Node*> nodes;
     collectAllChildren(nodes, true);
-    SmartPtr<Node> keep(this);
     bool ok = setState(time, state);
     for (Node* node : nodes)
         ok = node->setState(time, state) && ok;
@@ -748,7 +754,7 @@ bool Node::removeChild(Node* child)
 {
     if (!child)
         return false;
-    SmartPtr<Node> keep(child);
+    SmartPtr<Node> keep = keepAlive(child);
     bool removed = false;
     forEachNodeField(*this, [&](auto& field) {
         if constexpr (std::is_same_v<std::decay_t<decltype(field)>, SFNode>) {
@@ -784,7 +790,7 @@ void Node::removeAllChildren(const double&)
 
 void Node::removeAllParentLinks(const double&)
 {
-    SmartPtr<Node> keep(this);
+    SmartPtr<Node> keep = keepAlive(this);
     std::vector<NodeLink*> links = _parentLinks;
     for (NodeLink* link : links) {
         Field* field = link->getField();
@@ -838,7 +844,7 @@ bool Node::replace(Node& other)
 {
     if (&other == this)
         return true;
-    SmartPtr<Node> keep(this);
+    SmartPtr<Node> keep = keepAlive(this);
     std::vector<NodeLink*> links = _parentLinks;
     bool ok = true;
     for (NodeLink* link : links) {
@@ -859,7 +865,7 @@ bool Node::merge(Node& other)
                     getIDStr().c_str());
         return false;
     }
-    SmartPtr<Node> keep(&other);
+    SmartPtr<Node> keep = keepAlive(&other);
     bool ok = true;
     forEachNodeField(other, [&](Field& from) {
         Field* to = findField(from.nameOrNoName(), SearchFieldName);

@@ -217,6 +217,12 @@ TEST_F(NodeTest, RemovingChildrenAndParents)
     EXPECT_EQ(aBox->parentCount(), 0u);
     EXPECT_EQ(parent->childCount(), 1u);
     EXPECT_FALSE(parent->removeChild(aBox.get()));
+    // A node that nobody holds yet survives being asked about.
+    Node* fresh = thing.createNode(&scope.nodes());
+    EXPECT_FALSE(parent->removeChild(fresh));
+    fresh->removeAllParentLinks(0.0);
+    EXPECT_TRUE(Node::findNode(fresh));
+    SmartPtr<Node> holdFresh(fresh);
 
     aThing->removeAllParentLinks(0.0);
     EXPECT_FALSE(aThing->hasParents());
