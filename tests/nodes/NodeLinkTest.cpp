@@ -185,6 +185,7 @@ TEST_F(NodeLinkTest, LogFeaturesLogAddsAndRemovals)
     log.clear();
     children().addChild(child.get());
     EXPECT_EQ(log.count("Holder/P child Thing/C added (children)\n", LOG_LOG), 1) << log.all();
+    children().clear();
 }
 
 TEST_F(NodeLinkTest, NodeFieldsHaveNoTextOrBinaryForm)

@@ -16,9 +16,14 @@ struct Parsed {
     NodePartDesc desc;
     NodeType*    owner;
 
+    // A root type of its own, which initType reports once; quietly.
     static NodeType& ownerType()
     {
-        static TestNodeType type{"Owner", {}};
+        static TestNodeType& type = [] () -> TestNodeType& {
+            LogCapture quiet;
+            static TestNodeType t{"Owner", {}};
+            return t;
+        }();
         return type.type();
     }
 
