@@ -93,9 +93,11 @@ NodePartDesc::NodePartDesc(const NodePartDesc& other, const PartMask* mask)
 {
 }
 
+// Every data type number has a registered field type; the check stays off the registry because
+// it runs for every part of every new node.
 bool NodePartDesc::holdsField() const
 {
-    return _partType != InvalidPartType && FieldType::findType(_dataType) != nullptr;
+    return _partType != InvalidPartType && _dataType >= SFBoolType && _dataType <= MFAnyType;
 }
 
 const char* NodePartDesc::partTypeName(NodePartType partType)
