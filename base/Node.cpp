@@ -938,6 +938,14 @@ bool Node::transfer(const double& time, NodeNameSpace& nameSpace)
     return true;
 }
 
+Node* Node::contextRoot() const
+{
+    const NodeNameSpace* ns = _nameSpace;
+    while (ns->parent())
+        ns = ns->parent();
+    return ns->root();
+}
+
 // --- diagnostics ---
 
 void Node::dump() const

@@ -189,6 +189,8 @@ public:
     // A node of the same type with the same field values; children are shared, not copied.
     Node*     clone(NodeNameSpace* nameSpace = nullptr, const char* name = nullptr) const;
     bool      transfer(const double& time, NodeNameSpace& nameSpace);
+    // The root node of the outermost namespace around this node, null when it has none.
+    Node*     contextRoot() const;
     // The live nodes of `type` (all with null), with `derived` also of its descendants.
     static int fillNodeVec(std::vector<Node*>& out, NodeType* type, bool derived);
 

@@ -84,6 +84,20 @@ TEST_F(NodeTypeTest, RepeatedInheritedNameIsRefusedAndTheInheritedOneStays)
     EXPECT_EQ(twice.findPart("size")->dataType(), SFVec3fType);
 }
 
+TEST_F(NodeTypeTest, MissingDescriptorsAreCountedAsFailures)
+{
+    LogCapture log;
+    NodeType broken(scope.types(), "Broken", "Test", "Node", nullptr, "1.0", "Test", nullptr, "stable", nullptr,
+                    "Orvane", false, false, &Node::isNodeType, &Node::createNode, &Node::createProc, nullptr, 2);
+    EXPECT_EQ(broken.initType(), 2);
+    EXPECT_EQ(log.count("Invalid local desc in NodeType::init()\n", LOG_FATAL), 2) << log.all();
+    EXPECT_EQ(broken.partCount(), 2u) << "the inherited ones only";
+    log.clear();
+    NodeType nameless(scope.types(), nullptr, "Test", "Node", nullptr, "1.0", "Test", nullptr, "stable", nullptr,
+                      "Orvane", false, false, &Node::isNodeType, &Node::createNode, &Node::createProc, nullptr, 0);
+    EXPECT_EQ(log.count("NATIVE NodeType without a name\n", LOG_FATAL), 1) << log.all();
+}
+
 TEST_F(NodeTypeTest, IsADistanceWalksTheAncestors)
 {
     EXPECT_EQ(crate.isADistance(crate), 0);
@@ -290,6 +304,7 @@ TEST_F(NodeTypeTest, ContextRootTypesMakeANameSpaceOfTheirOwn)
     // Children of a context root live in its namespace.
     Node* child = box.createNode(plain.get(), "inside");
     ASSERT_TRUE(child);
+    EXPECT_EQ(child->contextRoot(), plain.get());
     EXPECT_EQ(&child->nameSpace(), &plain->nameSpace());
     EXPECT_EQ(plain->nameSpace().findNode("inside"), child);
 
