@@ -2,10 +2,13 @@
 
 #include "base/BaseTypeAssign.h"
 #include "base/ConvertParam.h"
+#include "base/EventInSlot.h"
+#include "base/EventOutSlot.h"
 #include "base/Log.h"
 #include "base/Node.h"
 #include "base/NodePartDesc.h"
 #include "base/NodeType.h"
+#include "base/Subject.h"
 
 #include <algorithm>
 #include <cstring>
@@ -28,6 +31,8 @@ const std::string Field::_typeName = "Field";
 Field::~Field()
 {
     delete _listeners;
+    delete _inSlot;
+    delete _outSlot;
 }
 
 const std::string& Field::typeName() const
@@ -225,9 +230,89 @@ bool Field::receive(const double& time)
     return result;
 }
 
-void Field::send(const double& time, bool, bool)
+void Field::send(const double& time, bool markChanging, bool onlyIS)
 {
+    // An exported node's output reaches the importing side even before anyone routed it.
+    if (!_outSlot && _desc && _desc->hasOutSlot() && _owner->isExported())
+        createOutSlot(false);
     callListeners(time);
+    if (!_outSlot)
+        return;
+    if (!markChanging) {
+        _outSlot->sendEvent(time, onlyIS);
+        return;
+    }
+    // While the field sends, its bit in the is-changing mask is what stops an event that comes
+    // back round a cycle. Only the bits set here are cleared, so that a nested send of the same
+    // field cannot lift the guard of the outer one.
+    const PartMask mask = this->mask();
+    const PartMask added(mask.value() & ~_owner->isChangingMask().value());
+    _owner->setIsChanging(added);
+    _outSlot->sendEvent(time, onlyIS);
+    _owner->clearIsChanging(added);
+}
+
+// --- event slots ---
+
+EventInSlot* Field::getInSlot(bool create, bool force)
+{
+    if (!_inSlot && create)
+        createInSlot(force);
+    return _inSlot;
+}
+
+EventOutSlot* Field::getOutSlot(bool create, bool force)
+{
+    if (!_outSlot && create)
+        createOutSlot(force);
+    return _outSlot;
+}
+
+EventInSlot* Field::createInSlot(bool force)
+{
+    if (!_inSlot && (force || (type() & EventInPartType)))
+        _inSlot = new EventInSlot(*this);
+    return _inSlot;
+}
+
+EventOutSlot* Field::createOutSlot(bool force)
+{
+    if (!_outSlot && (force || (type() & EventOutPartType)))
+        _outSlot = new EventOutSlot(*this);
+    return _outSlot;
+}
+
+namespace {
+
+unsigned int slotRouteCount(const EventSlot* slot, bool all, bool withObservers)
+{
+    if (!slot)
+        return 0;
+    unsigned int count = slot->routeCount(all);
+    if (withObservers)
+        if (const Subject* subject = slot->processEventSubjectIfAny())
+            count += subject->observerCount();
+    return count;
+}
+
+} // namespace
+
+unsigned int Field::inRouteCount(bool all, bool withObservers) const
+{
+    return slotRouteCount(_inSlot, all, withObservers);
+}
+
+unsigned int Field::outRouteCount(bool all, bool withObservers) const
+{
+    return slotRouteCount(_outSlot, all, withObservers);
+}
+
+void Field::disconnectAll()
+{
+    if (_inSlot)
+        _inSlot->disconnectAll();
+    if (_outSlot)
+        _outSlot->disconnectAll();
 }
 
 // --- listeners ---

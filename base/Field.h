@@ -9,6 +9,8 @@
 namespace Orvane {
 
 class ConvertParam;
+class EventInSlot;
+class EventOutSlot;
 
 // One typed value slot of a node. Every change of value ends in processValueChange, which marks
 // the owner changed, lets it react, and sends the value on.
@@ -67,6 +69,20 @@ public:
 
     void processValueChange(const double& time, CallerType callerType);
 
+    // Event slots, made on demand and owned by the field. Without `force` a slot is made only
+    // when the access type has that side: input for eventIn and exposedField, output for
+    // eventOut and exposedField.
+    EventInSlot*  getInSlot(bool create = false, bool force = false);
+    EventOutSlot* getOutSlot(bool create = false, bool force = false);
+    EventInSlot*  createInSlot(bool force = false);
+    EventOutSlot* createOutSlot(bool force = false);
+    // The slot's routes (see EventSlot::routeCount), plus, with `withObservers`, the observers
+    // of the slot's event subject; 0 without the slot.
+    unsigned int inRouteCount(bool all = true, bool withObservers = true) const;
+    unsigned int outRouteCount(bool all = true, bool withObservers = true) const;
+    // Deletes every route of both slots.
+    void disconnectAll();
+
     void addListener(Listener* listener);
     void removeListener(Listener* listener);
     void callListeners(const double& time);
@@ -76,6 +92,10 @@ public:
     static const std::string _typeName;
 
 protected:
+    // The slots set values, mark and send on behalf of the field.
+    friend class EventInSlot;
+    friend class EventOutSlot;
+
     virtual void setValueByStr(const char* text) = 0;
     virtual bool setAndValidateValueByStr(const char* text, bool flag);
     virtual void setValueByBin(const std::string& data);
@@ -95,6 +115,8 @@ protected:
 
 private:
     std::vector<Listener*>* _listeners = nullptr;
+    EventInSlot*            _inSlot = nullptr;
+    EventOutSlot*           _outSlot = nullptr;
 };
 
 } // namespace Orvane

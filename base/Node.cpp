@@ -211,6 +211,10 @@ Node::~Node()
                 ORV_FATAL("Invalid Null entry in _nodeLinkBag\n");
     }
     const unsigned typeParts = _type->partCount();
+    // Routes go first, while every field is whole: their removal tells both processors.
+    for (unsigned i = 0; i < _parts.size(); ++i)
+        if (Field* field = findField(i))
+            field->disconnectAll();
     for (std::size_t i = 0; i < _parts.size(); ++i) {
         NodePart* part = _parts[i];
         if (!part)
@@ -300,8 +304,8 @@ bool Node::rename(const std::string& newName)
 
 bool Node::isExported() const
 {
-    // Exports arrive with the import/export tables of the node namespaces.
-    return false;
+    // Set and cleared by the namespace that exports the node.
+    return hasFlag(ExportedFlag);
 }
 
 bool Node::fillAbsolutAddress(std::string& out) const
@@ -561,6 +565,7 @@ bool Node::removeDynamicField(unsigned id)
         return false;
     NodePart* part = _parts[id];
     NodePartDesc* desc = part->desc();
+    static_cast<Field*>(part)->disconnectAll();
     delete part;
     delete desc;
     // The IDs of later fields stay as they are; only a trailing slot goes away.
@@ -936,6 +941,11 @@ bool Node::transfer(const double& time, NodeNameSpace& nameSpace)
     if (nameSpaceChangedSubject().observerCount())
         nameSpaceChangedSubject().notify(time, this);
     return true;
+}
+
+Context* Node::context() const
+{
+    return _nameSpace->context();
 }
 
 Node* Node::contextRoot() const

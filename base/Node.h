@@ -11,6 +11,7 @@
 
 namespace Orvane {
 
+class Context;
 class Field;
 class MFString;
 class NodeLink;
@@ -66,6 +67,7 @@ public:
     enum Flag : std::uint32_t {
         MarkedFlag       = 4,  // a change of this node was passed up to its parents
         ChildChangedFlag = 8,  // something below this node changed
+        ExportedFlag     = 0x100,  // published by its namespace (EXPORT); its events go to importers
     };
 
     // The base type "Node" and its creator, processor factory and type check.
@@ -191,6 +193,8 @@ public:
     bool      transfer(const double& time, NodeNameSpace& nameSpace);
     // The root node of the outermost namespace around this node, null when it has none.
     Node*     contextRoot() const;
+    // The context that runs the node's scene, through its namespace; null when none.
+    Context*  context() const;
     // The live nodes of `type` (all with null), with `derived` also of its descendants.
     static int fillNodeVec(std::vector<Node*>& out, NodeType* type, bool derived);
 

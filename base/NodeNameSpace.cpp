@@ -1,5 +1,8 @@
 #include "base/NodeNameSpace.h"
 
+#include "base/Context.h"
+#include "base/EventOutSlot.h"
+#include "base/Field.h"
 #include "base/Log.h"
 #include "base/Node.h"
 #include "base/NodeType.h"
@@ -58,6 +61,16 @@ NodeNameSpace::~NodeNameSpace()
         ORV_INFO("Remove Child nameSpace in destructor\n");
     for (NodeNameSpace* child : _children)
         child->_parent = nullptr;
+    for (NodeNameSpace* importer : std::vector<NodeNameSpace*>(_importers))
+        removeImporter(*importer);
+    for (NodeNameSpace* exporter : std::vector<NodeNameSpace*>(_importsFrom))
+        exporter->removeImporter(*this);
+    if (_importEventSubject) {
+        _importEventSubject->detachAll();
+        delete _importEventSubject;
+    }
+    if (_context)
+        _context->unbind(*this);
     if (_parent) {
         auto& siblings = _parent->_children;
         siblings.erase(std::remove(siblings.begin(), siblings.end(), this), siblings.end());
@@ -166,6 +179,64 @@ bool NodeNameSpace::fillAbsolutAddress(std::string& out) const
         out = out.empty() ? ns->_name : ns->_name + "::" + out;
     }
     return complete;
+}
+
+// --- context and live content ---
+
+Context* NodeNameSpace::context() const
+{
+    for (const NodeNameSpace* ns = this; ns; ns = ns->_parent)
+        if (ns->_context)
+            return ns->_context;
+    return nullptr;
+}
+
+void NodeNameSpace::setContext(Context* context)
+{
+    if (context == _context)
+        return;
+    if (_context)
+        _context->unbind(*this);
+    _context = context;
+    if (_context)
+        _context->bind(*this);
+}
+
+// --- imports ---
+
+void NodeNameSpace::addImporter(NodeNameSpace& importer)
+{
+    if (std::find(_importers.begin(), _importers.end(), &importer) != _importers.end())
+        return;
+    _importers.push_back(&importer);
+    importer._importsFrom.push_back(this);
+}
+
+void NodeNameSpace::removeImporter(NodeNameSpace& importer)
+{
+    _importers.erase(std::remove(_importers.begin(), _importers.end(), &importer), _importers.end());
+    auto& from = importer._importsFrom;
+    from.erase(std::remove(from.begin(), from.end(), this), from.end());
+}
+
+unsigned NodeNameSpace::transferEventFromExport(const double& time, Field& value, EventOutSlot& slot)
+{
+    unsigned reached = 0;
+    // By index: an observer may change the imports.
+    for (std::size_t i = 0; i < _importers.size(); ++i) {
+        Subject* subject = _importers[i]->_importEventSubject;
+        if (subject && subject->observerCount())
+            subject->notify(time, &value, &slot);
+        ++reached;
+    }
+    return reached;
+}
+
+Subject& NodeNameSpace::importEventSubject()
+{
+    if (!_importEventSubject)
+        _importEventSubject = new Subject("importEvent");
+    return *_importEventSubject;
 }
 
 } // namespace Orvane

@@ -9,6 +9,9 @@
 
 namespace Orvane {
 
+class Context;
+class EventOutSlot;
+class Field;
 class Node;
 class NodeType;
 class NodeTypeNameSpace;
@@ -41,6 +44,26 @@ public:
     bool  isAutoNamed(const Node& node) const;
     bool  fillAbsolutAddress(std::string& out) const;
 
+    // The context that runs this namespace's scene: the one bound to it (a context binds the
+    // namespaces of its roots), else its parent's; null when none.
+    Context* context() const;
+    void     setContext(Context* context);
+
+    // Bits telling what kind of live content the scope holds; routes of data flow set bit 2.
+    void     markDynamicContent(unsigned bit) { _dynamicContent |= bit; }
+    unsigned dynamicContent() const { return _dynamicContent; }
+
+    // Namespaces that import nodes exported by this one; IMPORT registers them.
+    void addImporter(NodeNameSpace& importer);
+    void removeImporter(NodeNameSpace& importer);
+    const std::vector<NodeNameSpace*>& importers() const { return _importers; }
+    // Passes an event of an exported node of this namespace to every importing namespace, whose
+    // import-event subject tells its observers (time, value field, out-slot). Returns the number
+    // of importers reached.
+    unsigned transferEventFromExport(const double& time, Field& value, EventOutSlot& slot);
+    // Told of the events of nodes that this namespace imports; made on first use.
+    Subject& importEventSubject();
+
     static Subject& newObjectSubject();
     static Subject& deleteObjectSubject();
 
@@ -48,6 +71,7 @@ protected:
     ~NodeNameSpace() override;
 
 private:
+    friend class Context;
     friend class Node;
 
     struct Entry {
@@ -62,6 +86,11 @@ private:
     Node*                       _root = nullptr;
     std::map<std::string, Entry> _defMap;
     int                         _nodeCount = 0;
+    Context*                    _context = nullptr;
+    unsigned                    _dynamicContent = 0;
+    std::vector<NodeNameSpace*> _importers;
+    std::vector<NodeNameSpace*> _importsFrom;  // the other side of _importers
+    Subject*                    _importEventSubject = nullptr;
 };
 
 } // namespace Orvane
