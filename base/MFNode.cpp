@@ -154,43 +154,4 @@ void MFNode::setValueByStr(const char*)
 
 // Node values have no binary form.
 
-unsigned int MFNode::getBinSize()
-{
-    ORV_FATAL("%s getBinSize not Impl\n", "base/MFNode");
-    return 0;
-}
-
-std::string MFNode::getBinValue(int)
-{
-    ORV_FATAL("%s getBinValue not Impl\n", "base/MFNode");
-    return std::string();
-}
-
-unsigned int MFNode::getBinValue(unsigned char*)
-{
-    ORV_FATAL("%s getBinValue not Impl\n", "base/MFNode");
-    return 0;
-}
-
-std::string MFNode::get1ValueAsBin(int)
-{
-    ORV_FATAL("%s get1ValueAsBin not Impl\n", "base/MFNode");
-    return std::string();
-}
-
-void MFNode::set1ValueByBin(int, const std::string&)
-{
-    ORV_FATAL("%s set1ValueByBin not Impl\n", "base/MFNode");
-}
-
-void MFNode::setValueByBin(const std::string&)
-{
-    ORV_FATAL("%s setValueByBin not Impl\n", "base/MFNode");
-}
-
-void MFNode::setValueByBin(unsigned char*, unsigned int)
-{
-    ORV_FATAL("%s setValueByBin not Impl\n", "base/MFNode");
-}
-
 } // namespace Orvane

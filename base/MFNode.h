@@ -41,16 +41,8 @@ public:
     std::string& getStrValue(std::string& out) const override;
     const char*  addValueByStr(const char* text, Cardinality cardinality) override;
 
-    unsigned int getBinSize() override;
-    std::string  getBinValue(int index = 0) override;
-    unsigned int getBinValue(unsigned char* buffer) override;
-    std::string  get1ValueAsBin(int index) override;
-    void         set1ValueByBin(int index, const std::string& data) override;
-
 protected:
     void setValueByStr(const char* text) override;
-    void setValueByBin(const std::string& data) override;
-    void setValueByBin(unsigned char* data, unsigned int size) override;
     bool setValueByField(const Field& from, ConvertParam* param) override;
 
 private:

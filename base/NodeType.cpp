@@ -564,9 +564,11 @@ Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator cre
         return nullptr;
     }
 
+    // A new node starts with every field at its declared default, as a file that omits the
+    // field means; the default is set without change processing.
     for (NodePartDesc* desc : _descVec)
         if (desc && desc->holdsField())
-            node->makeField(desc->ID(), false);
+            node->makeField(desc->ID(), true);
     if (!node->proc())
         node->setProc(createProc(*node));
 

@@ -58,43 +58,4 @@ bool SFNode::setValueByField(const Field& from, ConvertParam* param)
 
 // Node values have no binary form.
 
-unsigned int SFNode::getBinSize()
-{
-    ORV_FATAL("%s getBinSize not Impl\n", "base/SFNode");
-    return 0;
-}
-
-std::string SFNode::getBinValue(int)
-{
-    ORV_FATAL("%s getBinValue not Impl\n", "base/SFNode");
-    return std::string();
-}
-
-unsigned int SFNode::getBinValue(unsigned char*)
-{
-    ORV_FATAL("%s getBinValue not Impl\n", "base/SFNode");
-    return 0;
-}
-
-std::string SFNode::get1ValueAsBin(int)
-{
-    ORV_FATAL("%s get1ValueAsBin not Impl\n", "base/SFNode");
-    return std::string();
-}
-
-void SFNode::set1ValueByBin(int, const std::string&)
-{
-    ORV_FATAL("%s set1ValueByBin not Impl\n", "base/SFNode");
-}
-
-void SFNode::setValueByBin(const std::string&)
-{
-    ORV_FATAL("%s setValueByBin not Impl\n", "base/SFNode");
-}
-
-void SFNode::setValueByBin(unsigned char*, unsigned int)
-{
-    ORV_FATAL("%s setValueByBin not Impl\n", "base/SFNode");
-}
-
 } // namespace Orvane

@@ -262,14 +262,13 @@ TEST_F(BinaryTest, ImageComponents)
     EXPECT_EQ(image.value(), Image(2, 1, 3, {0xFF0000, 0x00FF00}));
 }
 
-// Every class without a binary form says so for each operation and keeps its value. (The node
-// fields report in the words of the node links instead.)
+// Every class without a binary form says so for each operation and keeps its value.
 TEST_F(BinaryTest, RefusingClasses)
 {
     const char* refusing[] = {"MFAny",      "MFBool",     "MFImage",    "MFMatrix3d", "MFMatrix3f", "MFMatrix4d",
                               "MFMatrix4f", "MFPlane",    "MFQubit",    "MFSound",    "MFVec4d",    "MFVec4f",
                               "SFAny",      "SFMatrix3d", "SFMatrix3f", "SFMatrix4d", "SFPlane",    "SFQubit",
-                              "SFSound",    "SFVec4d",    "XFAny"};
+                              "SFSound",    "SFVec4d",    "XFAny",      "SFNode",     "MFNode"};
     const std::string noise = bytes({1, 0, 0, 0, 0, 0, 0x80, 0x3F});
     for (const char* name : refusing) {
         SCOPED_TRACE(name);

@@ -337,8 +337,8 @@ TEST_F(FieldChangeTest, TimedSettersProcessTheChange)
 
 TEST_F(FieldChangeTest, DefaultValues)
 {
+    // A new node's fields start at their declared defaults.
     SFFloat& withDefault = field(WithDefault);
-    withDefault.setDefaultValue(0.0);
     EXPECT_EQ(withDefault.value(), 2.5f);
     EXPECT_TRUE(withDefault.valueIsDefault());
     withDefault.setValue(2.25f);
@@ -348,6 +348,8 @@ TEST_F(FieldChangeTest, DefaultValues)
     EXPECT_FALSE(withDefault.changed());
 
     auto& vec = *static_cast<SFVec3f*>(node->findField(Vec3));
+    EXPECT_TRUE(vec.valueIsDefault());
+    vec.setValue(Vec3f(0, 2, 0));
     EXPECT_FALSE(vec.valueIsDefault());
     vec.setValue(Vec3f(0, 1, 0));
     EXPECT_TRUE(vec.valueIsDefault());
@@ -384,13 +386,13 @@ TEST_F(FieldChangeTest, DefaultValuesOfMultiAndNodeFields)
     list.addValue(0.0f);
     EXPECT_FALSE(list.valueIsDefault());
 
-    EXPECT_FALSE(listDefault.valueIsDefault());
-    listDefault.setDefaultValue(0.0);
     EXPECT_EQ(listDefault.value(), (std::vector<float>{1.0f, 2.0f}));
     EXPECT_TRUE(listDefault.valueIsDefault());
     listDefault.addValue(3.0f);
     EXPECT_FALSE(listDefault.valueIsDefault());
 
+    EXPECT_TRUE(names.valueIsDefault());
+    names.clear();
     names.addValue("a");
     EXPECT_FALSE(names.valueIsDefault());
     names.addValue("b");
