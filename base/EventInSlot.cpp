@@ -12,6 +12,42 @@
 
 namespace Orvane {
 
+namespace {
+
+// The global subject, asked on every event: held here so that the hop does not call out for it.
+Subject& anySubject()
+{
+    static Subject& subject = EventSlot::anyProcessEventSubject();
+    return subject;
+}
+
+// The log lines of a hop, out of line and cold: the hop's stack frame, which a long cascade
+// repeats once per node, stays small.
+[[gnu::cold, gnu::noinline]] void logSetValueFailed(const Field& own, const Field& value)
+{
+    ORV_FATAL("receiveEvent(): _field.setValueByField() failed\n");
+    ORV_FATAL("  %s field: %s.%s\n", own.dataTypeName().c_str(), own.owner().type().name().c_str(),
+              own.nameOrNoName());
+    ORV_FATAL("  %s input: %s.%s\n", value.dataTypeName().c_str(), value.owner().type().name().c_str(),
+              value.nameOrNoName());
+}
+
+[[gnu::cold, gnu::noinline]] void logReceive(const Node& node, const NodePartDesc& desc, bool processNode,
+                                             const double& time, const Field& value)
+{
+    ORV_PLOG("%s/%s/%s/%s ReceiveEvent on %s: %f/%s\n", node.type().name().c_str(), node.nameSpace().name().c_str(),
+             node.getIDStr().c_str(), processNode ? "pro" : "noPro", desc.name().c_str(), time,
+             value.strValue().c_str());
+}
+
+[[gnu::cold, gnu::noinline]] void logLoopBreak(const Node& node, const NodePartDesc& desc)
+{
+    ORV_INFO("Field %s/%s.%s is already changing; break loop\n", node.type().name().c_str(), node.getIDStr().c_str(),
+             desc.name().c_str());
+}
+
+} // namespace
+
 EventInSlot::EventInSlot(const EventInSlot& other) : EventSlot(other)
 {
     ORV_FATAL("Run invalid EventInSlot copy constructor\n");
@@ -104,7 +140,7 @@ void EventInSlot::receiveEvent(const double& time, Route* route)
 void EventInSlot::receiveEvent(const double& time, Field& value, ConvertParam* param, Route* route)
 {
     Field&              own = *_field;
-    Node&               node = own.owner();
+    Node&               node = *_node;
     const NodePartDesc* desc = own.desc();
     bool                processNode = desc != nullptr;
     const bool          forward = desc ? desc->autoProcess() : true;
@@ -127,23 +163,21 @@ void EventInSlot::receiveEvent(const double& time, Field& value, ConvertParam* p
     Field* source = nullptr;
     if (&value != &own) {
         if (!own.setValueByField(value, param)) {
-            ORV_FATAL("receiveEvent(): _field.setValueByField() failed\n");
-            ORV_FATAL("  %s field: %s.%s\n", own.dataTypeName().c_str(), node.type().name().c_str(),
-                      own.nameOrNoName());
-            ORV_FATAL("  %s input: %s.%s\n", value.dataTypeName().c_str(), value.owner().type().name().c_str(),
-                      value.nameOrNoName());
+            logSetValueFailed(own, value);
         } else if (!(routeType & Route::TRIGGER)) {
-            own.markChanged();
+            // Field::markChanged, without the call when the parents already know.
+            if (desc && node.hasFlag(Node::MarkedFlag))
+                node.markChanged(desc->mask());
+            else
+                own.markChanged();
         }
         source = &value;
     }
 
     if (desc && node.checkLogFeature(LogEventIn))
-        ORV_PLOG("%s/%s/%s/%s ReceiveEvent on %s: %f/%s\n", node.type().name().c_str(),
-                 node.nameSpace().name().c_str(), node.getIDStr().c_str(), processNode ? "pro" : "noPro",
-                 desc->name().c_str(), time, value.strValue().c_str());
+        logReceive(node, *desc, processNode, time, value);
 
-    Subject& any = anyProcessEventSubject();
+    Subject& any = anySubject();
     if (any.observerCount())
         any.notify(time, this, &value);
     if (_processEventSubject && _processEventSubject->observerCount())
@@ -152,15 +186,24 @@ void EventInSlot::receiveEvent(const double& time, Field& value, ConvertParam* p
     // The field is still sending: the event came round a cycle. Its value is already set; only
     // the reaction and the onward cascade are cut.
     if (desc && node.checkIsChangingMask(desc->mask())) {
-        ORV_INFO("Field %s/%s.%s is already changing; break loop\n", node.type().name().c_str(),
-                 node.getIDStr().c_str(), desc->name().c_str());
+        logLoopBreak(node, *desc);
         return;
     }
 
     if (processNode)
         node.fieldChanged(own, time, source);
-    if (forward)
-        own.send(time, true, onlyIS);
+    if (!forward)
+        return;
+    // The common case of Field::send (an out-slot, no listeners) done here: one call less on
+    // every hop of a cascade, whose depth is the length of the route chain.
+    if (own._outSlot && !own._listeners) {
+        const PartMask added((desc ? desc->mask() : NodePart::_nullMask).value() & ~node.isChangingMask().value());
+        node.setIsChanging(added);
+        own._outSlot->sendEvent(time, own, nullptr, onlyIS);
+        node.clearIsChanging(added);
+        return;
+    }
+    own.send(time, true, onlyIS);
 }
 
 } // namespace Orvane

@@ -19,7 +19,9 @@ namespace {
 [[maybe_unused]] const Subject& anyProcessEventMade = EventSlot::anyProcessEventSubject();
 } // namespace
 
-EventSlot::EventSlot(const EventSlot& other) : BaseObject(other), _field(other._field)
+EventSlot::EventSlot(Field& field) : _field(&field), _node(&field.owner()) {}
+
+EventSlot::EventSlot(const EventSlot& other) : BaseObject(other), _field(other._field), _node(other._node)
 {
     ORV_FATAL("Calling EventSlot copy constructor\n");
 }
@@ -31,11 +33,6 @@ EventSlot::~EventSlot()
         _processEventSubject->detachAll();
         delete _processEventSubject;
     }
-}
-
-Node& EventSlot::node() const
-{
-    return _field->owner();
 }
 
 const char* EventSlot::nameOrNoName() const

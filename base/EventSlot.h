@@ -22,7 +22,7 @@ class ORVANE_API EventSlot : public BaseObject {
 public:
     using RouteBag = std::vector<Route*>;
 
-    explicit EventSlot(Field& field) : _field(&field) {}
+    explicit EventSlot(Field& field);
     // Slots are not copied; this reports the attempt and leaves the copy without routes.
     EventSlot(const EventSlot& other);
     EventSlot& operator=(const EventSlot&) = delete;
@@ -42,7 +42,7 @@ public:
     virtual void processEvent(const double& time, Field& value, ConvertParam* param) = 0;
 
     Field&          field() const { return *_field; }
-    Node&           node() const;
+    Node&           node() const { return *_node; }
     const RouteBag& routeBag() const { return _routeBag; }
 
     void disconnectAll();
@@ -66,6 +66,9 @@ protected:
     const char* nameOrNoName() const;
 
     Field*   _field;
+    // The field's owner, which never changes: kept here so that an event reaches the node
+    // without first waiting for the field.
+    Node*    _node;
     Subject* _processEventSubject = nullptr;
     RouteBag _routeBag;
 

@@ -235,20 +235,23 @@ void Field::send(const double& time, bool markChanging, bool onlyIS)
     // An exported node's output reaches the importing side even before anyone routed it.
     if (!_outSlot && _desc && _desc->hasOutSlot() && _owner->isExported())
         createOutSlot(false);
-    callListeners(time);
+    if (_listeners)
+        callListeners(time);
     if (!_outSlot)
         return;
+    // This is every hop of an event cascade: the out-slot is called directly, without the
+    // own-value overload: one frame less on every hop.
     if (!markChanging) {
-        _outSlot->sendEvent(time, onlyIS);
+        _outSlot->sendEvent(time, *this, nullptr, onlyIS);
         return;
     }
     // While the field sends, its bit in the is-changing mask is what stops an event that comes
     // back round a cycle. Only the bits set here are cleared, so that a nested send of the same
     // field cannot lift the guard of the outer one.
-    const PartMask mask = this->mask();
+    const PartMask mask = _desc ? _desc->mask() : _nullMask;
     const PartMask added(mask.value() & ~_owner->isChangingMask().value());
     _owner->setIsChanging(added);
-    _outSlot->sendEvent(time, onlyIS);
+    _outSlot->sendEvent(time, *this, nullptr, onlyIS);
     _owner->clearIsChanging(added);
 }
 

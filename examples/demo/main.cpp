@@ -1,6 +1,8 @@
 // The demo: what the library does, as far as it stands. Node types declared in code, a node of
-// one with its fields set from text and printed back while a listener sees every change, and a
-// small scene with a shared (DEF/USE) node, printed as a tree.
+// one with its fields set from text and printed back while a listener sees every change, a
+// small scene with a shared (DEF/USE) node, printed as a tree, and events routed through a
+// scene, one route loop included, with what each node received.
+#include "base/Context.h"
 #include "base/ConvertParam.h"
 #include "base/FieldType.h"
 #include "base/Log.h"
@@ -10,6 +12,7 @@
 #include "base/Node.h"
 #include "base/NodePartDesc.h"
 #include "base/NodeNameSpace.h"
+#include "base/NodeProc.h"
 #include "base/NodeType.h"
 #include "base/NodeTypeNameSpace.h"
 #include "base/SFBool.h"
@@ -19,6 +22,7 @@
 #include "base/SFNode.h"
 #include "base/SFRotation.h"
 #include "base/SFString.h"
+#include "base/Route.h"
 #include "base/SFTime.h"
 #include "base/SmartPtr.h"
 
@@ -138,6 +142,88 @@ void sceneDemo()
     printTree(*root, 1, seen);
 }
 
+// Tells what its node received, and from where.
+class PrintReceived : public NodeProc {
+public:
+    using NodeProc::NodeProc;
+    bool fieldChanged(Node& node, Field& field, const double& time, Field* source) override
+    {
+        std::string from = source ? " from " + source->owner().getIDStr() + "." + source->findName() : "";
+        std::printf("  t=%.0f  %-6s received %s = %s%s\n", time, node.getIDStr().c_str(), field.findName(),
+                    field.strValue().c_str(), from.c_str());
+        return true;
+    }
+    static NodeProc* create(NodeType&, Node& node) { return new PrintReceived(node); }
+};
+
+// Shows the library's own notices and infos while the events run.
+class PrintLog : public LogSink {
+public:
+    void write(const LogRecord& record) override
+    {
+        std::printf("  (log) %.*s", static_cast<int>(record.text.size()), record.text.data());
+    }
+};
+
+void eventDemo()
+{
+    static NodePartDesc relayParts[] = {
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess, "value",
+                     nullptr, "0"),
+        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, SFInt32Type, NodePartDesc::CtorAutoProcess, "level",
+                     nullptr, "0"),
+    };
+    static NodeType relay(theBaseNodeTypeFactory(), "Relay", "Demo", "Node", nullptr, "1.0", "Demo", nullptr,
+                          "stable", nullptr, "Orvane", false, false, &Node::isNodeType, &Node::createNode,
+                          &PrintReceived::create, relayParts, 2);
+    relay.initType();
+
+    // A context that forces routes between equal types, made before the log is shown.
+    SmartPtr<Context> strict(Context::create());
+    strict->contextSetup();
+
+    PrintLog printLog;
+    Log::the().setLevel(LOG_INFO);
+    Log::the().setDefaultSinkEnabled(false);
+    Log::the().addSink(printLog);
+
+    std::printf("\nEvents routed through a scene:\n");
+    SmartPtr<NodeNameSpace> scene(new NodeNameSpace("events"));
+    SmartPtr<Node> source(relay.createNode(scene.get(), "Source"));
+    SmartPtr<Node> lamp(relay.createNode(scene.get(), "Lamp"));
+    SmartPtr<Node> meter(relay.createNode(scene.get(), "Meter"));
+    SmartPtr<Node> echo(relay.createNode(scene.get(), "Echo"));
+    for (Node* n : {source.get(), lamp.get(), meter.get(), echo.get()})
+        n->setNodeState(0.0, Live);
+
+    // Source.value fans out to Lamp and, converted, to Meter's integer level; Lamp and Echo pass
+    // the value back and forth, a loop that the sending guard stops.
+    std::printf("  ROUTE Source.value TO Lamp.value\n");
+    Route::create(*source->findField("value"), *lamp->findField("value"));
+    std::printf("  ROUTE Source.value TO Meter.level\n");
+    Route::create(*source->findField("value"), *meter->findField("level"));
+    std::printf("  ROUTE Lamp.value TO Echo.value, and back\n");
+    Route::create(*lamp->findField("value"), *echo->findField("value"));
+    Route::create(*echo->findField("value"), *lamp->findField("value"));
+    std::printf("  %u routes registered\n", Route::routeCount());
+
+    for (int frame = 1; frame <= 2; ++frame) {
+        std::printf(" frame %d: Source.value set to %.1f\n", frame, frame * 2.5);
+        static_cast<SFFloat*>(source->findField("value"))->setValue(frame, frame * 2.5f, Field::FieldCaller);
+    }
+
+    // In it the mismatched route is refused.
+    strict->addRoot(*source);
+    static_cast<SFBool*>(strict->paramField("forceSingleDataTypeRoute"))->setValue(true);
+    std::printf(" in a context with forceSingleDataTypeRoute: Source.value TO Echo.level is %s\n",
+                Route::create(*source->findField("value"), *echo->findField("level")) ? "made" : "refused");
+    strict->removeRoot(source->type());
+
+    Log::the().removeSink(printLog);
+    Log::the().setDefaultSinkEnabled(true);
+    Log::the().setLevel(LOG_NOTICE);
+}
+
 } // namespace
 
 // A value copied into fields of other types, and a field through its binary form.
@@ -222,5 +308,6 @@ int main()
 
     conversionDemo(*lamp);
     sceneDemo();
+    eventDemo();
     return 0;
 }
