@@ -22,28 +22,35 @@ Subject& anySubject()
 }
 
 // The log lines of a hop, out of line and cold: the hop's stack frame, which a long cascade
-// repeats once per node, stays small.
-[[gnu::cold, gnu::noinline]] void logSetValueFailed(const Field& own, const Field& value)
+// repeats once per node, stays small. Each names the operation it reports for, not itself.
+#define ORV_HOP_LOG(level, function, ...)                                                             \
+    do {                                                                                             \
+        if (::Orvane::Log::the().enabled(level))                                                     \
+            ::Orvane::Log::the().write(level, "Orvane", ::Orvane::logSourcePath(__FILE__), __LINE__,   \
+                                       function, __VA_ARGS__);                                       \
+    } while (0)
+
+[[gnu::cold, gnu::noinline]] void logSetValueFailed(const char* function, const Field& own, const Field& value)
 {
-    ORV_FATAL("receiveEvent(): _field.setValueByField() failed\n");
-    ORV_FATAL("  %s field: %s.%s\n", own.dataTypeName().c_str(), own.owner().type().name().c_str(),
-              own.nameOrNoName());
-    ORV_FATAL("  %s input: %s.%s\n", value.dataTypeName().c_str(), value.owner().type().name().c_str(),
-              value.nameOrNoName());
+    ORV_HOP_LOG(LOG_FATAL, function, "receiveEvent(): _field.setValueByField() failed\n");
+    ORV_HOP_LOG(LOG_FATAL, function, "  %s field: %s.%s\n", own.dataTypeName().c_str(),
+                own.owner().type().name().c_str(), own.nameOrNoName());
+    ORV_HOP_LOG(LOG_FATAL, function, "  %s input: %s.%s\n", value.dataTypeName().c_str(),
+                value.owner().type().name().c_str(), value.nameOrNoName());
 }
 
-[[gnu::cold, gnu::noinline]] void logReceive(const Node& node, const NodePartDesc& desc, bool processNode,
-                                             const double& time, const Field& value)
+[[gnu::cold, gnu::noinline]] void logReceive(const char* function, const Node& node, const NodePartDesc& desc,
+                                             bool processNode, const double& time, const Field& value)
 {
-    ORV_PLOG("%s/%s/%s/%s ReceiveEvent on %s: %f/%s\n", node.type().name().c_str(), node.nameSpace().name().c_str(),
-             node.getIDStr().c_str(), processNode ? "pro" : "noPro", desc.name().c_str(), time,
-             value.strValue().c_str());
+    ORV_HOP_LOG(LOG_LOG, function, "%s/%s/%s/%s ReceiveEvent on %s: %f/%s\n", node.type().name().c_str(),
+                node.nameSpace().name().c_str(), node.getIDStr().c_str(), processNode ? "pro" : "noPro",
+                desc.name().c_str(), time, value.strValue().c_str());
 }
 
-[[gnu::cold, gnu::noinline]] void logLoopBreak(const Node& node, const NodePartDesc& desc)
+[[gnu::cold, gnu::noinline]] void logLoopBreak(const char* function, const Node& node, const NodePartDesc& desc)
 {
-    ORV_INFO("Field %s/%s.%s is already changing; break loop\n", node.type().name().c_str(), node.getIDStr().c_str(),
-             desc.name().c_str());
+    ORV_HOP_LOG(LOG_INFO, function, "Field %s/%s.%s is already changing; break loop\n", node.type().name().c_str(),
+                node.getIDStr().c_str(), desc.name().c_str());
 }
 
 } // namespace
@@ -163,7 +170,7 @@ void EventInSlot::receiveEvent(const double& time, Field& value, ConvertParam* p
     Field* source = nullptr;
     if (&value != &own) {
         if (!own.setValueByField(value, param)) {
-            logSetValueFailed(own, value);
+            logSetValueFailed(__PRETTY_FUNCTION__, own, value);
         } else if (!(routeType & Route::TRIGGER)) {
             // Field::markChanged, without the call when the parents already know.
             if (desc && node.hasFlag(Node::MarkedFlag))
@@ -175,7 +182,7 @@ void EventInSlot::receiveEvent(const double& time, Field& value, ConvertParam* p
     }
 
     if (desc && node.checkLogFeature(LogEventIn))
-        logReceive(node, *desc, processNode, time, value);
+        logReceive(__PRETTY_FUNCTION__, node, *desc, processNode, time, value);
 
     Subject& any = anySubject();
     if (any.observerCount())
@@ -186,7 +193,7 @@ void EventInSlot::receiveEvent(const double& time, Field& value, ConvertParam* p
     // The field is still sending: the event came round a cycle. Its value is already set; only
     // the reaction and the onward cascade are cut.
     if (desc && node.checkIsChangingMask(desc->mask())) {
-        logLoopBreak(node, *desc);
+        logLoopBreak(__PRETTY_FUNCTION__, node, *desc);
         return;
     }
 
