@@ -109,7 +109,7 @@ void EventOutSlot::sendEvent(const double& time, Field& value, ConvertParam* par
     // Importing scopes see the events of exported nodes through the node's processor.
     if (node.isExported())
         if (NodeProc* proc = node.proc())
-            proc->exportEvent(value, time);
+            proc->exportEvent(*this, value, time);
 
     Subject& any = anyProcessEventSubject();
     if (any.observerCount())

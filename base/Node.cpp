@@ -194,7 +194,7 @@ Node::Node(NodeType& type, NodeNameSpace& nameSpace, const char* name)
         _ID = r.nextID++;
         r.map->emplace_hint(r.map->end(), _ID, this);
     }
-    ++nameSpace._nodeCount;
+    nameSpace.linkNode(*this);
     type.changeObjCounter(1);
     if (name && *name)
         nameSpace.regNode(*this, type, name);
@@ -226,9 +226,7 @@ Node::~Node()
             delete desc;
     }
     delete _proc;
-    if (_name)
-        _nameSpace->unregNode(*this);
-    --_nameSpace->_nodeCount;
+    _nameSpace->unlinkNode(*this);
     _type->changeObjCounter(-1);
     IDRegistry& r = idRegistry();
     std::lock_guard<std::mutex> lock(r.lock);
@@ -300,12 +298,6 @@ bool Node::rename(const std::string& newName)
     }
     _nameSpace->unregNode(*this);
     return _nameSpace->regNode(*this, *_type, newName);
-}
-
-bool Node::isExported() const
-{
-    // Set and cleared by the namespace that exports the node.
-    return hasFlag(ExportedFlag);
 }
 
 bool Node::fillAbsolutAddress(std::string& out) const
@@ -931,11 +923,10 @@ bool Node::transfer(const double& time, NodeNameSpace& nameSpace)
     if (&nameSpace == _nameSpace)
         return true;
     std::string name = _name ? *_name : std::string();
-    if (_name)
-        _nameSpace->unregNode(*this);
-    --_nameSpace->_nodeCount;
+    // The name comes along; root and exports stay behind with the old scope.
+    _nameSpace->unlinkNode(*this);
     _nameSpace = &nameSpace;
-    ++_nameSpace->_nodeCount;
+    _nameSpace->linkNode(*this);
     if (!name.empty())
         _nameSpace->regNode(*this, *_type, name);
     if (nameSpaceChangedSubject().observerCount())

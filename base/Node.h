@@ -67,7 +67,6 @@ public:
     enum Flag : std::uint32_t {
         MarkedFlag       = 4,  // a change of this node was passed up to its parents
         ChildChangedFlag = 8,  // something below this node changed
-        ExportedFlag     = 0x100,  // published by its namespace (EXPORT); its events go to importers
     };
 
     // The base type "Node" and its creator, processor factory and type check.
@@ -93,7 +92,8 @@ public:
     const std::string& getIDStr() const;
     std::uint64_t      ID() const { return _ID; }
     bool               rename(const std::string& newName);
-    bool               isExported() const;
+    // Published by its namespace (EXPORT): its events go to the importing namespaces too.
+    bool               isExported() const { return _exportCount != 0; }
     bool               fillAbsolutAddress(std::string& out) const;
     bool               hasAbsolutAddress() const;
 
@@ -255,6 +255,10 @@ private:
     PartMask                           _isChangingMask;
     std::vector<NodePart*>             _parts;
     ParentList                         _parentLinks;
+    // The namespace's list of its nodes, and how many of its exports name this node.
+    Node*                              _nsPrev = nullptr;
+    Node*                              _nsNext = nullptr;
+    std::uint32_t                      _exportCount = 0;
 };
 
 } // namespace Orvane

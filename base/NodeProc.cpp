@@ -1,1 +1,14 @@
 #include "base/NodeProc.h"
+
+#include "base/Node.h"
+#include "base/NodeNameSpace.h"
+
+namespace Orvane {
+
+void NodeProc::exportEvent(EventOutSlot& slot, Field& value, const double& time)
+{
+    if (_node)
+        _node->nameSpace().transferEventFromExport(time, value, slot);
+}
+
+} // namespace Orvane

@@ -7,6 +7,7 @@
 
 namespace Orvane {
 
+class EventOutSlot;
 class Field;
 class Node;
 class NodeLink;
@@ -51,8 +52,9 @@ public:
     virtual void routeAdded(Route& route) {}
     virtual void routeRemoved(Route& route) {}
 
-    // An event of an exported field is passed to the importing side.
-    virtual void exportEvent(Field& field, const double& time) {}
+    // An event sent on `slot` of an exported node is passed to the importing side; by default
+    // the node's namespace hands it to the namespaces that import the node.
+    virtual void exportEvent(EventOutSlot& slot, Field& value, const double& time);
 
     // Writes the node itself; false lets the writer write it in the common way.
     virtual bool write(WriteAction& action) { return false; }

@@ -384,7 +384,7 @@ TEST_F(EventSlotTest, ExportedNodeCreatesItsOutSlotWhenSending)
     EXPECT_EQ(value(*a).getOutSlot(), nullptr);
     value(*a).setValue(1.0, 1.0f, Field::FieldCaller);
     EXPECT_EQ(value(*a).getOutSlot(), nullptr);
-    a->setFlag(Node::ExportedFlag);
+    ASSERT_TRUE(a->nameSpace().exportNode(*a, "A"));
     EXPECT_TRUE(a->isExported());
     value(*a).setValue(1.0, 2.0f, Field::FieldCaller);
     EXPECT_NE(value(*a).getOutSlot(), nullptr);
