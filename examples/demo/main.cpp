@@ -197,14 +197,17 @@ void eventDemo()
         n->setNodeState(0.0, Live);
 
     // Source.value fans out to Lamp and, converted, to Meter's integer level; Lamp and Echo pass
-    // the value back and forth, a loop that the sending guard stops.
-    std::printf("  ROUTE Source.value TO Lamp.value\n");
-    Route::create(*source->findField("value"), *lamp->findField("value"));
+    // the value back and forth, a loop that the sending guard stops. The ROUTE statements go by
+    // DEF and field names through the scene's namespace, as a loader makes them.
+    std::printf("  ROUTE Source.value_changed TO Lamp.set_value\n");
+    scene->createRoute("Source", "value_changed", "Lamp", "set_value");
     std::printf("  ROUTE Source.value TO Meter.level\n");
-    Route::create(*source->findField("value"), *meter->findField("level"));
+    scene->createRoute("Source", "value", "Meter", "level");
     std::printf("  ROUTE Lamp.value TO Echo.value, and back\n");
-    Route::create(*lamp->findField("value"), *echo->findField("value"));
-    Route::create(*echo->findField("value"), *lamp->findField("value"));
+    scene->createRoute("Lamp", "value", "Echo", "value");
+    scene->createRoute("Echo", "value", "Lamp", "value");
+    std::printf("  ROUTE Lamp.value TO Nobody.value\n");
+    scene->createRoute("Lamp", "value", "Nobody", "value");
     std::printf("  %u routes registered\n", Route::routeCount());
 
     for (int frame = 1; frame <= 2; ++frame) {
@@ -216,7 +219,7 @@ void eventDemo()
     strict->addRoot(*source);
     static_cast<SFBool*>(strict->paramField("forceSingleDataTypeRoute"))->setValue(true);
     std::printf(" in a context with forceSingleDataTypeRoute: Source.value TO Echo.level is %s\n",
-                Route::create(*source->findField("value"), *echo->findField("level")) ? "made" : "refused");
+                scene->createRoute("Source", "value", "Echo", "level") ? "made" : "refused");
     strict->removeRoot(source->type());
 
     Log::the().removeSink(printLog);
