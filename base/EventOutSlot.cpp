@@ -13,6 +13,27 @@
 
 namespace Orvane {
 
+namespace {
+
+// The global subject, asked on every event: held here so that the hop does not call out for it.
+Subject& anySubject()
+{
+    static Subject& subject = EventSlot::anyProcessEventSubject();
+    return subject;
+}
+
+// Out of line and cold: the hop's stack frame, which a long cascade repeats once per node,
+// stays small. The line names the operation it reports for, not this helper.
+[[gnu::cold, gnu::noinline]] void logSend(const char* function, const Node& node, const NodePartDesc& desc,
+                                          const double& time, const Field& value)
+{
+    Log::the().write(LOG_LOG, "Orvane", logSourcePath(__FILE__), __LINE__, function,
+                     "%s/%s/%s SendEvent on %s: %f/%s\n", node.type().name().c_str(), node.nameSpace().name().c_str(),
+                     node.getIDStr().c_str(), desc.name().c_str(), time, value.strValue().c_str());
+}
+
+} // namespace
+
 EventOutSlot::EventOutSlot(const EventOutSlot& other) : EventSlot(other)
 {
     ORV_FATAL("Run invalid EventOutSlot copy constructor\n");
@@ -99,19 +120,17 @@ void EventOutSlot::sendEvent(const double& time, bool onlyIS)
 
 void EventOutSlot::sendEvent(const double& time, Field& value, ConvertParam* param, bool onlyIS)
 {
-    Node&               node = _field->owner();
-    const NodePartDesc* desc = _field->desc();
+    Node& node = *_node;
 
-    if (desc && node.checkLogFeature(LogEventOut))
-        ORV_PLOG("%s/%s/%s SendEvent on %s: %f/%s\n", node.type().name().c_str(), node.nameSpace().name().c_str(),
-                 node.getIDStr().c_str(), desc->name().c_str(), time, value.strValue().c_str());
+    if (node.checkLogFeature(LogEventOut) && _field->desc())
+        logSend(__PRETTY_FUNCTION__, node, *_field->desc(), time, value);
 
     // Importing scopes see the events of exported nodes through the node's processor.
     if (node.isExported())
         if (NodeProc* proc = node.proc())
             proc->exportEvent(*this, value, time);
 
-    Subject& any = anyProcessEventSubject();
+    Subject& any = anySubject();
     if (any.observerCount())
         any.notify(time, this, &value);
     if (_processEventSubject && _processEventSubject->observerCount())

@@ -626,7 +626,8 @@ bool Node::fieldChanged(Field& field, const double& time, Field* source)
 {
     if (!_proc)
         return true;
-    const PartMask mask = field.mask();
+    // Every hop of an event cascade comes here: the descriptor's mask without a call.
+    const PartMask mask = field.desc() ? field.desc()->mask() : NodePart::_nullMask;
     if (mask.empty())
         return _proc->fieldChanged(*this, field, time, source);
     if (checkIsChangingMask(mask)) {
@@ -922,8 +923,8 @@ bool Node::transfer(const double& time, NodeNameSpace& nameSpace)
 {
     if (&nameSpace == _nameSpace)
         return true;
-    std::string name = _name ? *_name : std::string();
     // The name comes along; root and exports stay behind with the old scope.
+    std::string name = _name ? *_name : std::string();
     _nameSpace->unlinkNode(*this);
     _nameSpace = &nameSpace;
     _nameSpace->linkNode(*this);
