@@ -2,6 +2,6 @@
 
 namespace Orvane {
 
-std::uint32_t BaseObject::_objCount = 0;
+std::atomic<std::uint32_t> BaseObject::_objCount{0};
 
 } // namespace Orvane

@@ -3,6 +3,7 @@
 
 #include "base/OrvaneExport.h"
 
+#include <atomic>
 #include <cstdint>
 
 namespace Orvane {
@@ -10,17 +11,18 @@ namespace Orvane {
 // Root of nearly every object of the library; counts live objects for leak reports.
 class ORVANE_API BaseObject {
 public:
-    static std::uint32_t baseObjCount() { return _objCount; }
+    static std::uint32_t baseObjCount() { return _objCount.load(std::memory_order_relaxed); }
 
 protected:
-    BaseObject() { ++_objCount; }
-    BaseObject(const BaseObject&) { ++_objCount; }
+    BaseObject() { _objCount.fetch_add(1, std::memory_order_relaxed); }
+    BaseObject(const BaseObject&) { _objCount.fetch_add(1, std::memory_order_relaxed); }
     BaseObject& operator=(const BaseObject&) = default;
-    virtual ~BaseObject() { --_objCount; }
+    virtual ~BaseObject() { _objCount.fetch_sub(1, std::memory_order_relaxed); }
 
 private:
-    // Plain on purpose: objects are made and destroyed on the thread that owns the scene.
-    static std::uint32_t _objCount;
+    // Objects belong to the thread that owns their scene, but several scenes may live on
+    // several threads; the diagnostic count is shared by all of them, so it is atomic.
+    static std::atomic<std::uint32_t> _objCount;
 };
 
 } // namespace Orvane

@@ -36,6 +36,7 @@ ContextSetup* ContextSetup::create(const char* name)
 
 ContextSetup::ContextSetup(NodeType& type, NodeNameSpace& nameSpace, const char* name) : Node(type, nameSpace, name)
 {
+    setFlag(SystemFlag);
 }
 
 void ContextSetup::addParamFields()

@@ -65,8 +65,10 @@ class ORVANE_API Node : public AttachmentBag {
 public:
     // Bits of the node's flag word.
     enum Flag : std::uint32_t {
+        ProtoBodyFlag    = 2,  // the node belongs to a prototype declaration's body
         MarkedFlag       = 4,  // a change of this node was passed up to its parents
-        ChildChangedFlag = 8,  // something below this node changed
+        SystemFlag       = 8,  // the system made the node for itself (a context's setup node)
+        ChildChangedFlag = 16, // something below this node changed
     };
 
     // The base type "Node" and its creator, processor factory and type check.

@@ -33,8 +33,9 @@ RouteRegistry& registry()
     return r;
 }
 
-// Node flag bits that keep a route from marking the scopes as holding live data flow.
-constexpr std::uint32_t noDynamicContentFlags = 2u | 8u;
+// Routes inside a prototype's declaration and routes of the system's own nodes are no live data
+// flow of the scene: they do not mark the scopes.
+constexpr std::uint32_t noDynamicContentFlags = Node::ProtoBodyFlag | Node::SystemFlag;
 // The scope's dynamic-content bit for data-flow routes.
 constexpr unsigned routeContentBit = 2u;
 

@@ -17,14 +17,6 @@
 using namespace Orvane;
 using namespace Orvane::Test;
 
-// BaseObject's live-object counter is a plain integer (objects belong to the scene's thread), so
-// routes made on several threads race on that diagnostic count, and on nothing else. Until the
-// counter is atomic, ThreadSanitizer overlooks exactly those two accesses in this program.
-extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions()
-{
-    return "race:Orvane::BaseObject::BaseObject\nrace:Orvane::BaseObject::~BaseObject\n";
-}
-
 namespace {
 
 constexpr int threadCount = 4;
