@@ -275,8 +275,10 @@ const std::string& Node::getIDStr() const
 {
     if (_name)
         return *_name;
-    if (_idStr.empty())
-        _idStr = "#" + std::to_string(_ID);
+    if (_idStr.empty()) {
+        _idStr += '#';
+        _idStr += std::to_string(_ID);
+    }
     return _idStr;
 }
 

@@ -195,7 +195,7 @@ void printOstream(benchmark::State& state)
 void setLive(benchmark::State& state)
 {
     Scene& s = scene();
-    s.node->setStateUnchecked(Live);
+    s.node->setNodeState(0.0, Live);
     auto& scale = static_cast<SFFloat&>(*s.field(2));
     float v = 0.0f;
     for (auto _ : state) {
@@ -203,7 +203,6 @@ void setLive(benchmark::State& state)
         v += 1.0f;
     }
     benchmark::DoNotOptimize(scale.value());
-    s.node->setStateUnchecked(Creation);
     state.SetItemsProcessed(state.iterations());
 }
 
