@@ -1,6 +1,7 @@
 #include "base/NodeType.h"
 
 #include "base/Component.h"
+#include "base/Context.h"
 #include "base/Field.h"
 #include "base/Log.h"
 #include "base/MFNode.h"
@@ -55,7 +56,7 @@ std::vector<NodeType*> typeSnapshot()
 }
 
 // What the parent of a new node is, and the node namespace it gives.
-enum ParentKind { NoParent, NameSpaceParent, NodeParent, SFNodeParent, MFNodeParent };
+enum ParentKind { NoParent, NameSpaceParent, NodeParent, SFNodeParent, MFNodeParent, ContextParent };
 
 NodeNameSpace* parentNameSpace(BaseObject* parent, ParentKind& kind)
 {
@@ -78,6 +79,9 @@ NodeNameSpace* parentNameSpace(BaseObject* parent, ParentKind& kind)
         kind = MFNodeParent;
         return &field->owner().nameSpace();
     }
+    // A context takes context roots only, and gives them no namespace: they make their own.
+    if (dynamic_cast<Context*>(parent))
+        kind = ContextParent;
     return nullptr;
 }
 
@@ -581,6 +585,8 @@ Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator cre
     if (_isContextRoot) {
         node->setAttachment(nameSpaceAttachmentID(), ownNameSpace.get());
         ownNameSpace->setRoot(*node);
+        if (kind == ContextParent)
+            static_cast<Context*>(parent)->addRoot(*node);
     } else if (kind == NodeParent) {
         static_cast<Node*>(parent)->addChild(node);
     } else if (kind == SFNodeParent) {

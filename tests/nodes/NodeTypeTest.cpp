@@ -1,4 +1,5 @@
 #include "base/Component.h"
+#include "base/Context.h"
 #include "base/MFNode.h"
 #include "base/MetadataObject.h"
 #include "base/Observer.h"
@@ -307,6 +308,15 @@ TEST_F(NodeTypeTest, ContextRootTypesMakeANameSpaceOfTheirOwn)
     EXPECT_EQ(child->contextRoot(), plain.get());
     EXPECT_EQ(&child->nameSpace(), &plain->nameSpace());
     EXPECT_EQ(plain->nameSpace().findNode("inside"), child);
+
+    // Made for a context, the root is handed to it.
+    SmartPtr<Context> context(Context::create());
+    Node* held = world.createNode(context.get(), "held");
+    ASSERT_TRUE(held);
+    EXPECT_EQ(context->findRoot(world), held);
+    EXPECT_EQ(held->context(), context.get());
+    EXPECT_EQ(log.count("NameSpace given while create ContextRoot node\n"), 1);
+    context->removeRoot(world);
 
     log.clear();
     scope.declare("TestWorld", "Node", {}, 2, {.contextRoot = true});
