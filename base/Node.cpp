@@ -480,6 +480,50 @@ Field* Node::findField(NodePartValueRestriction restriction) const
     return nullptr;
 }
 
+EventInSlot* Node::findEventInSlot(const std::string& name) const
+{
+    Field* field = findField(name, SearchInSlot);
+    EventInSlot* slot = field ? field->createInSlot(false) : nullptr;
+    if (!slot)
+        ORV_WARNING("There is no inSlot %s in the node %s (type: %s\n", name.c_str(), getIDStr().c_str(),
+                    _type->name().c_str());
+    return slot;
+}
+
+EventInSlot* Node::findEventInSlot(unsigned id) const
+{
+    Field* field = findField(id);
+    return field ? field->createInSlot(false) : nullptr;
+}
+
+EventOutSlot* Node::findEventOutSlot(const std::string& name) const
+{
+    Field* field = findField(name, SearchOutSlot);
+    EventOutSlot* slot = field ? field->createOutSlot(false) : nullptr;
+    if (!slot)
+        ORV_WARNING("There is no outSlot %s in the node %s (type: %s\n", name.c_str(), getIDStr().c_str(),
+                    _type->name().c_str());
+    return slot;
+}
+
+EventOutSlot* Node::findEventOutSlot(unsigned id) const
+{
+    Field* field = findField(id);
+    return field ? field->createOutSlot(false) : nullptr;
+}
+
+int Node::findEventInSlotID(const std::string& name) const
+{
+    Field* field = findField(name, SearchInSlot);
+    return field && field->desc() && (field->type() & EventInPartType) ? static_cast<int>(field->desc()->ID()) : -1;
+}
+
+int Node::findEventOutSlotID(const std::string& name) const
+{
+    Field* field = findField(name, SearchOutSlot);
+    return field && field->desc() && (field->type() & EventOutPartType) ? static_cast<int>(field->desc()->ID()) : -1;
+}
+
 NodePartDesc* Node::findPartDesc(unsigned id) const
 {
     if (id < _parts.size() && _parts[id] && _parts[id]->desc())

@@ -12,6 +12,8 @@
 namespace Orvane {
 
 class Context;
+class EventInSlot;
+class EventOutSlot;
 class Field;
 class MFString;
 class NodeLink;
@@ -124,6 +126,15 @@ public:
     Field*        findField(unsigned id) const;
     Field*        findField(const std::string& name, FieldSearchOrder order = SearchFieldThenSlots) const;
     Field*        findField(NodePartValueRestriction restriction) const;
+    // The slots of a field, made on first need where its access type has them. By name the
+    // receiving end looks at in-slot names, then field names, the sending end at out-slot names,
+    // then field names; a missing one is reported. The IDs are -1 for none.
+    EventInSlot*  findEventInSlot(const std::string& name) const;
+    EventInSlot*  findEventInSlot(unsigned id) const;
+    EventOutSlot* findEventOutSlot(const std::string& name) const;
+    EventOutSlot* findEventOutSlot(unsigned id) const;
+    int           findEventInSlotID(const std::string& name) const;
+    int           findEventOutSlotID(const std::string& name) const;
     NodePartDesc* findPartDesc(unsigned id) const;
     unsigned      partDescCount() const { return partCount(); }
     Field*        addDynamicField(const NodePartDesc& desc);

@@ -127,6 +127,30 @@ TEST_F(NodeTest, FindFieldBySearchOrder)
     EXPECT_EQ(node->findField("missing"), nullptr);
 }
 
+TEST_F(NodeTest, EventSlotsByNameAndID)
+{
+    SmartPtr<Node> node = scope.make("Holder", "H");
+    Field* children = node->findField(2u);
+    LogCapture log;
+    EventInSlot* in = node->findEventInSlot("set_children");
+    EXPECT_NE(in, nullptr);
+    EXPECT_EQ(in, children->getInSlot());
+    EXPECT_EQ(node->findEventInSlot(2u), in);
+    EventOutSlot* out = node->findEventOutSlot("children_changed");
+    EXPECT_NE(out, nullptr);
+    EXPECT_EQ(out, children->getOutSlot());
+    EXPECT_EQ(node->findEventOutSlot(5u), node->findEventOutSlot("out"));
+    EXPECT_EQ(node->findEventInSlotID("in"), 4);
+    EXPECT_EQ(node->findEventOutSlotID("children_changed"), 2);
+    EXPECT_EQ(node->findEventOutSlotID("in"), -1);
+    EXPECT_TRUE(log.all().empty()) << log.all();
+    // A plain field has no slots.
+    EXPECT_EQ(node->findEventInSlot("plain"), nullptr);
+    EXPECT_EQ(node->findEventOutSlot("missing"), nullptr);
+    EXPECT_EQ(log.count("There is no inSlot plain in the node H (type: Holder\n", LOG_WARNING), 1) << log.all();
+    EXPECT_EQ(log.count("There is no outSlot missing in the node H (type: Holder\n", LOG_WARNING), 1);
+}
+
 TEST_F(NodeTest, DynamicFieldsFollowTheTypeParts)
 {
     SmartPtr<Node> node = scope.make("Thing");
