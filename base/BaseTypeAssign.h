@@ -50,9 +50,10 @@ class Field;
 //   and angle; to a matrix: its rotation matrix (a 4 x 4 one without translation).
 // - Matrix to matrix: the upper-left 3 x 3 block of a 4 x 4 one, and a 3 x 3 one embedded in
 //   the identity 4 x 4; float and double by value.
-// - To String: the single-value field text form of the source (TRUE/FALSE, "%d", "%g" for
-//   float components, "%.16g" for double and time, components separated by one space,
-//   matrices in storage order).
+// - To String: the single-value field text form of the source (TRUE/FALSE, "%d", "%.16g"
+//   for Double and Time, "%g" for Float and for every component of a vector, colour,
+//   rotation or matrix, double ones included; components separated by one space, matrices
+//   in storage order).
 // - Image to Image and Sound to Sound copy.
 // - Text is never parsed here: no kind but String itself takes a String.
 // A ConvertParam, where Field::assign is given one, can change the digits of numbers written

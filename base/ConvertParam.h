@@ -10,8 +10,9 @@ namespace Orvane {
 // assign<Target>From<Source> functions perform.
 //
 // - precision: significant digits of a floating-point number written as text; 0 keeps the
-//   field text form (6 digits for float values, 16 for double and time values); at most 17,
-//   which is all a double holds.
+//   field text form (16 digits for Double and Time values, 6 for every other number, the
+//   components of double vectors and matrices included); at most 17, which is all a double
+//   holds.
 // - scale: factor applied to every number taken from a number, vector or colour into a
 //   number, vector or colour (Time seconds to Int32 milliseconds: 1000). Booleans, rotations,
 //   matrices, images and text are never scaled, and neither is a copy between equal value
