@@ -4,12 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <functional>
-#include <map>
-#include <set>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 using namespace Orvane;
@@ -17,49 +17,40 @@ using namespace Orvane::Test;
 
 namespace {
 
-// The refused pairs as the format defines them, written out independently of the library's
-// own table: target kind, then its refused source kinds.
-const std::set<std::string> matrixRefuses = {"Bool",  "Color3f", "Color4f", "Double", "Float", "Image",
-                                             "Int32", "Sound",   "String",  "Time",   "Vec2d", "Vec2f",
-                                             "Vec3d", "Vec3f",   "Vec4d",   "Vec4f"};
-const std::map<std::string, std::set<std::string>> refusedSources = {
-    {"Bool", {"Color3f", "Color4f", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Rotation", "Sound", "String"}},
-    {"Color3f", {"Bool", "Double", "Float", "Image", "Int32", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f",
-                 "Rotation", "Sound", "String", "Time", "Vec2d", "Vec2f"}},
-    {"Color4f", {"Bool", "Double", "Float", "Image", "Int32", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f",
-                 "Rotation", "Sound", "String", "Time", "Vec2d", "Vec2f"}},
-    {"Double", {"Color3f", "Color4f", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Rotation", "Sound", "String"}},
-    {"Float", {"Color3f", "Color4f", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Rotation", "Sound", "String"}},
-    {"Image", {"Bool", "Double", "Float", "Int32", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Rotation",
-               "Sound", "String", "Time", "Vec2d", "Vec2f", "Vec3d", "Vec3f", "Vec4d", "Vec4f"}},
-    {"Int32", {"Color3f", "Color4f", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Rotation", "Sound", "String"}},
-    {"Matrix3d", matrixRefuses},
-    {"Matrix3f", matrixRefuses},
-    {"Matrix4d", matrixRefuses},
-    {"Matrix4f", matrixRefuses},
-    {"Rotation", {"Color3f", "Color4f", "Image", "Sound", "String", "Vec2d", "Vec2f"}},
-    {"Sound", {"Bool", "Color3f", "Color4f", "Double", "Float", "Image", "Int32", "Matrix3d", "Matrix3f",
-               "Matrix4d", "Matrix4f", "Rotation", "String", "Time", "Vec2d", "Vec2f", "Vec3d", "Vec3f", "Vec4d",
-               "Vec4f"}},
-    {"String", {"Image", "Sound"}},
-    {"Time", {"Color3f", "Color4f", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Rotation", "Sound", "String"}},
-    {"Vec2d", {"Bool", "Color3f", "Color4f", "Double", "Float", "Int32", "Matrix3d", "Matrix3f", "Matrix4d",
-               "Matrix4f", "Rotation", "Sound", "String", "Time"}},
-    {"Vec2f", {"Bool", "Color3f", "Color4f", "Double", "Float", "Int32", "Matrix3d", "Matrix3f", "Matrix4d",
-               "Matrix4f", "Rotation", "Sound", "String", "Time"}},
-    {"Vec3d", {"Bool", "Double", "Float", "Int32", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Sound",
-               "String", "Time", "Vec4d", "Vec4f"}},
-    {"Vec3f", {"Bool", "Double", "Float", "Int32", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Sound",
-               "String", "Time", "Vec4d", "Vec4f"}},
-    {"Vec4d", {"Bool", "Double", "Float", "Int32", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Sound",
-               "String", "Time"}},
-    {"Vec4f", {"Bool", "Double", "Float", "Int32", "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Sound",
-               "String", "Time"}},
+// The refused pairs as the format defines them, written out independently of the library's own
+// table: one row per target kind, one column per source kind, both in this order; x = refused.
+const std::vector<std::string> kinds = {"Bool",     "Color3f",  "Color4f", "Double", "Float", "Image", "Int32",
+                                        "Matrix3d", "Matrix3f", "Matrix4d", "Matrix4f", "Rotation", "Sound",
+                                        "String",   "Time",     "Vec2d",   "Vec2f",  "Vec3d", "Vec3f", "Vec4d",
+                                        "Vec4f"};
+const char* const refusedGrid[] = {
+    ".xx....xxxxxxx.......", // Bool
+    "x..xxxxxxxxxxxxxx....", // Color3f
+    "x..xxxxxxxxxxxxxx....", // Color4f
+    ".xx....xxxxxxx.......", // Double
+    ".xx....xxxxxxx.......", // Float
+    "x..xx.xxxxxxxxxxxxxxx", // Image
+    ".xx....xxxxxxx.......", // Int32
+    "xxxxxxx.....xxxxxxxxx", // Matrix3d
+    "xxxxxxx.....xxxxxxxxx", // Matrix3f
+    "xxxxxxx.....xxxxxxxxx", // Matrix4d
+    "xxxxxxx.....xxxxxxxxx", // Matrix4f
+    ".xx..x......xx.xx....", // Rotation
+    "xxxxxxxxxxxx.xxxxxxxx", // Sound
+    ".....x......x........", // String
+    ".xx....xxxxxxx.......", // Time
+    "xxxxx.xxxxxxxxx......", // Vec2d
+    "xxxxx.xxxxxxxxx......", // Vec2f
+    "x..xx.xxxxx.xxx....xx", // Vec3d
+    "x..xx.xxxxx.xxx....xx", // Vec3f
+    "x..xx.xxxxx.xxx......", // Vec4d
+    "x..xx.xxxxx.xxx......", // Vec4f
 };
 
 bool isRefused(const std::string& target, const std::string& source)
 {
-    return refusedSources.at(target).count(source) > 0;
+    auto index = [](const std::string& k) { return std::find(kinds.begin(), kinds.end(), k) - kinds.begin(); };
+    return refusedGrid[index(target)][index(source)] == 'x';
 }
 
 // A value of each kind that is not its default; `seed` makes a second, different one.
@@ -100,8 +91,7 @@ struct PairCase {
     {#TargetKind, #SourceKind, [] {                                                                \
          TargetType       to = sample<TargetType>(2);                                              \
          const TargetType before = to;                                                             \
-         const SourceType from = sample<SourceType>(1);                                            \
-         bool converted = assign##TargetKind##From##SourceKind(to, from);                          \
+         bool converted = assign##TargetKind##From##SourceKind(to, sample<SourceType>(1));         \
          return std::make_pair(converted, to == before);                                           \
      }},
 
@@ -111,6 +101,14 @@ const std::vector<PairCase>& pairCases()
     return cases;
 }
 #undef PAIR_CASE
+
+// The target after converting `from` into `start`.
+template <class T, class S>
+T conv(bool (*assign)(T&, const S&), const std::type_identity_t<S>& from, std::type_identity_t<T> start = T{})
+{
+    assign(start, from);
+    return start;
+}
 
 } // namespace
 
@@ -122,12 +120,11 @@ TEST(ConversionTable, EveryPairRefusesOrConvertsAsTabled)
         SCOPED_TRACE(pair.source + " to " + pair.target);
         LogCapture log;
         auto [converted, unchanged] = pair.run();
-        const std::string text = pair.source + " to " + pair.target + " conversion NI!\n";
         if (isRefused(pair.target, pair.source)) {
             ++refusedCount;
             EXPECT_FALSE(converted);
             EXPECT_TRUE(unchanged);
-            EXPECT_EQ(log.count(text, LOG_WARNING, "OpenSG"), 1);
+            EXPECT_EQ(log.count(pair.source + " to " + pair.target + " conversion NI!\n", LOG_WARNING, "OpenSG"), 1);
             EXPECT_EQ(log.size(), 1u) << log.all();
         } else {
             EXPECT_TRUE(converted);
@@ -135,223 +132,106 @@ TEST(ConversionTable, EveryPairRefusesOrConvertsAsTabled)
         }
     }
     EXPECT_EQ(refusedCount, 262);
-}
+    for (int t = 0; t < 21; ++t) {
+        EXPECT_EQ(assignKindName(AssignKind(t)), kinds[t]);
+        for (int s = 0; s < 21; ++s)
+            EXPECT_EQ(assignRefused(AssignKind(t), AssignKind(s)), refusedGrid[t][s] == 'x') << t << " " << s;
+    }
 
-TEST(ConversionTable, KindsAndNames)
-{
-    EXPECT_STREQ(assignKindName(AssignKind::Color3f), "Color3f");
-    EXPECT_STREQ(assignKindName(AssignKind::Sound), "Sound");
     AssignKind kind;
     ASSERT_TRUE(assignKindOf(BaseType::ColorRGBA, kind));
     EXPECT_EQ(kind, AssignKind::Color4f);
-    ASSERT_TRUE(assignKindOf(BaseType::Time, kind));
-    EXPECT_EQ(kind, AssignKind::Time);
     for (BaseType outside : {BaseType::Any, BaseType::Node, BaseType::Plane, BaseType::Qubit})
         EXPECT_FALSE(assignKindOf(outside, kind));
-    EXPECT_TRUE(assignRefused(AssignKind::Vec3f, AssignKind::Vec4d));
-    EXPECT_FALSE(assignRefused(AssignKind::Vec4f, AssignKind::Vec3d));
-}
-
-// The directions that differ from their reverse.
-TEST(ConversionRules, AsymmetricDirections)
-{
-    LogCapture log;
-    std::string text;
-    float number = 1.0f;
-    EXPECT_TRUE(assignStringFromFloat(text, 2.5f));
-    EXPECT_EQ(text, "2.5");
-    EXPECT_FALSE(assignFloatFromString(number, "3"));
-    EXPECT_EQ(number, 1.0f);
-
-    Vec4d wide(9.0);
-    EXPECT_TRUE(assignVec4dFromVec3f(wide, Vec3f(1, 2, 3)));
-    EXPECT_EQ(wide, Vec4d(1, 2, 3, 0));
-    Vec3f narrow(9.0f);
-    EXPECT_FALSE(assignVec3fFromVec4d(narrow, Vec4d(1, 2, 3, 4)));
-    EXPECT_EQ(narrow, Vec3f(9.0f));
-
-    Rotation r;
-    EXPECT_TRUE(assignRotationFromVec4f(r, Vec4f(0, 1, 0, 1.5f)));
-    EXPECT_EQ(r, Rotation(0, 1, 0, 1.5f));
-    EXPECT_FALSE(assignRotationFromVec2f(r, Vec2f(1, 2)));
-    EXPECT_FALSE(assignRotationFromColor3f(r, Color3f(1, 0, 0)));
-    EXPECT_EQ(r, Rotation(0, 1, 0, 1.5f));
-    EXPECT_EQ(log.count("Vec4d to Vec3f conversion NI!\n", LOG_WARNING, "OpenSG"), 1);
-    EXPECT_EQ(log.count("String to Float conversion NI!\n", LOG_WARNING, "OpenSG"), 1);
 }
 
 TEST(ConversionRules, Numbers)
 {
-    int i = 0;
-    EXPECT_TRUE(assignInt32FromFloat(i, 2.9f));
-    EXPECT_EQ(i, 2);
-    assignInt32FromDouble(i, -2.9);
-    EXPECT_EQ(i, -2);
-    assignInt32FromDouble(i, 1e20);
-    EXPECT_EQ(i, INT_MAX);
-    assignInt32FromFloat(i, -1e20f);
-    EXPECT_EQ(i, INT_MIN);
-    assignInt32FromDouble(i, std::nan(""));
-    EXPECT_EQ(i, 0);
-    assignInt32FromBool(i, true);
-    EXPECT_EQ(i, 1);
-
-    bool b = true;
-    assignBoolFromInt32(b, 0);
-    EXPECT_FALSE(b);
-    assignBoolFromFloat(b, std::nanf(""));
-    EXPECT_TRUE(b);
-    assignBoolFromDouble(b, -0.0);
-    EXPECT_FALSE(b);
-
-    float f = 0;
-    assignFloatFromDouble(f, 1e300);
-    EXPECT_TRUE(std::isinf(f));
-    double d = 0;
-    assignTimeFromDouble(d, 1234567890.123456);
-    EXPECT_EQ(d, 1234567890.123456);
-    assignDoubleFromInt32(d, -7);
-    EXPECT_EQ(d, -7.0);
+    EXPECT_EQ(conv(assignInt32FromFloat, 2.9f), 2);
+    EXPECT_EQ(conv(assignInt32FromDouble, -2.9), -2);
+    EXPECT_EQ(conv(assignInt32FromDouble, 1e20), INT_MAX);
+    EXPECT_EQ(conv(assignInt32FromFloat, -1e20f), INT_MIN);
+    EXPECT_EQ(conv(assignInt32FromDouble, std::nan(""), 5), 0);
+    EXPECT_EQ(conv(assignInt32FromBool, true), 1);
+    EXPECT_FALSE(conv(assignBoolFromInt32, 0, true));
+    EXPECT_TRUE(conv(assignBoolFromFloat, std::nanf("")));
+    EXPECT_FALSE(conv(assignBoolFromDouble, -0.0, true));
+    EXPECT_TRUE(std::isinf(conv(assignFloatFromDouble, 1e300)));
+    EXPECT_EQ(conv(assignTimeFromDouble, 1234567890.123456), 1234567890.123456);
+    EXPECT_EQ(conv(assignDoubleFromInt32, -7), -7.0);
+    EXPECT_EQ(conv(assignFloatFromVec3d, Vec3d(4, 5, 6)), 4.0f);
+    EXPECT_FALSE(conv(assignBoolFromVec2f, Vec2f(0, 0), true));
+    EXPECT_TRUE(conv(assignBoolFromVec4d, Vec4d(0, 0, 0, 1)));
 }
 
-TEST(ConversionRules, VectorsAndColours)
+TEST(ConversionRules, VectorsColoursAndImages)
 {
-    Vec2d v2;
-    assignVec2dFromVec4f(v2, Vec4f(1, 2, 3, 4));
-    EXPECT_EQ(v2, Vec2d(1, 2));
-    Vec3f v3(7.0f);
-    assignVec3fFromVec2d(v3, Vec2d(1, 2));
-    EXPECT_EQ(v3, Vec3f(1, 2, 0));
-    assignVec3fFromColor4f(v3, Color4f(0.5f, 0.25f, 1, 0.1f));
-    EXPECT_EQ(v3, Vec3f(0.5f, 0.25f, 1));
+    // Widening fills with zeros; the reverse of a refused narrowing converts.
+    EXPECT_EQ(conv(assignVec4dFromVec3f, Vec3f(1, 2, 3), Vec4d(9)), Vec4d(1, 2, 3, 0));
+    EXPECT_EQ(conv(assignVec2dFromVec4f, Vec4f(1, 2, 3, 4)), Vec2d(1, 2));
+    EXPECT_EQ(conv(assignVec3fFromVec2d, Vec2d(1, 2), Vec3f(7)), Vec3f(1, 2, 0));
+    EXPECT_EQ(conv(assignVec3fFromColor4f, Color4f(0.5f, 0.25f, 1, 0.1f)), Vec3f(0.5f, 0.25f, 1));
+    EXPECT_EQ(conv(assignColor4fFromColor3f, Color3f(0.1f, 0.2f, 0.3f)), Color4f(0.1f, 0.2f, 0.3f, 1));
+    EXPECT_EQ(conv(assignColor4fFromVec3d, Vec3d(1, 0, 0)), Color4f(1, 0, 0, 1));
+    EXPECT_EQ(conv(assignColor3fFromColor4f, Color4f(0.1f, 0.2f, 0.3f, 0.4f)), Color3f(0.1f, 0.2f, 0.3f));
+    EXPECT_EQ(conv(assignVec4fFromColor3f, Color3f(0.1f, 0.2f, 0.3f), Vec4f(9)), Vec4f(0.1f, 0.2f, 0.3f, 0));
 
-    Color4f c4;
-    assignColor4fFromColor3f(c4, Color3f(0.1f, 0.2f, 0.3f));
-    EXPECT_EQ(c4, Color4f(0.1f, 0.2f, 0.3f, 1));
-    assignColor4fFromVec3d(c4, Vec3d(1, 0, 0));
-    EXPECT_EQ(c4, Color4f(1, 0, 0, 1));
-    Color3f c3;
-    assignColor3fFromColor4f(c3, Color4f(0.1f, 0.2f, 0.3f, 0.4f));
-    EXPECT_EQ(c3, Color3f(0.1f, 0.2f, 0.3f));
-    Vec4f v4(9.0f);
-    assignVec4fFromColor3f(v4, Color3f(0.1f, 0.2f, 0.3f));
-    EXPECT_EQ(v4, Vec4f(0.1f, 0.2f, 0.3f, 0));
-
-    float f = 0;
-    assignFloatFromVec3d(f, Vec3d(4, 5, 6));
-    EXPECT_EQ(f, 4.0f);
-    bool b = true;
-    assignBoolFromVec2f(b, Vec2f(0, 0));
-    EXPECT_FALSE(b);
-    assignBoolFromVec4d(b, Vec4d(0, 0, 0, 1));
-    EXPECT_TRUE(b);
-}
-
-TEST(ConversionRules, Images)
-{
     const Image image(2, 3, 4);
-    int count = 0;
-    assignInt32FromImage(count, image);
-    EXPECT_EQ(count, 6);
-    Vec3f size;
-    assignVec3fFromImage(size, image);
-    EXPECT_EQ(size, Vec3f(2, 3, 4));
-    Vec2d flat;
-    assignVec2dFromImage(flat, image);
-    EXPECT_EQ(flat, Vec2d(2, 3));
-    bool b = true;
-    assignBoolFromImage(b, Image());
-    EXPECT_FALSE(b);
-
-    Image pixel;
-    assignImageFromColor3f(pixel, Color3f(1, 0.5f, 0));
-    EXPECT_EQ(pixel, Image(1, 1, 3, {0xFF8000}));
-    assignImageFromColor4f(pixel, Color4f(0, 0, 1, 1));
-    EXPECT_EQ(pixel, Image(1, 1, 4, {0x0000FFFF}));
-    assignImageFromColor3f(pixel, Color3f(2, -1, std::nanf("")));
-    EXPECT_EQ(pixel, Image(1, 1, 3, {0xFF0000}));
+    EXPECT_EQ(conv(assignInt32FromImage, image), 6);
+    EXPECT_EQ(conv(assignVec3fFromImage, image), Vec3f(2, 3, 4));
+    EXPECT_EQ(conv(assignVec2dFromImage, image), Vec2d(2, 3));
+    EXPECT_FALSE(conv(assignBoolFromImage, Image(), true));
+    EXPECT_EQ(conv(assignImageFromColor3f, Color3f(1, 0.5f, 0)), Image(1, 1, 3, {0xFF8000}));
+    EXPECT_EQ(conv(assignImageFromColor4f, Color4f(0, 0, 1, 1)), Image(1, 1, 4, {0x0000FFFF}));
+    EXPECT_EQ(conv(assignImageFromColor3f, Color3f(2, -1, std::nanf(""))), Image(1, 1, 3, {0xFF0000}));
 }
 
-TEST(ConversionRules, Rotations)
+TEST(ConversionRules, RotationsAndMatrices)
 {
-    Rotation r;
-    assignRotationFromVec3d(r, Vec3d(0, 0, 2));
-    EXPECT_EQ(r, Rotation(0, 0, 1, 2));
-    assignRotationFromVec3f(r, Vec3f(0, 0, 0));
-    EXPECT_EQ(r, Rotation());
-    assignRotationFromFloat(r, 0.5f);
-    EXPECT_EQ(r, Rotation(0, 0, 1, 0.5f));
-
-    Vec3f vector;
-    assignVec3fFromRotation(vector, Rotation(0, 2, 0, 1.5f));
-    EXPECT_EQ(vector, Vec3f(0, 1.5f, 0));
-    Vec4d raw;
-    assignVec4dFromRotation(raw, Rotation(0, 2, 0, 1.5f));
-    EXPECT_EQ(raw, Vec4d(0, 2, 0, 1.5));
+    EXPECT_EQ(conv(assignRotationFromVec4f, Vec4f(0, 1, 0, 1.5f)), Rotation(0, 1, 0, 1.5f));
+    EXPECT_EQ(conv(assignRotationFromVec3d, Vec3d(0, 0, 2)), Rotation(0, 0, 1, 2));
+    EXPECT_EQ(conv(assignRotationFromVec3f, Vec3f(0, 0, 0), Rotation(1, 0, 0, 1)), Rotation());
+    EXPECT_EQ(conv(assignRotationFromFloat, 0.5f), Rotation(0, 0, 1, 0.5f));
+    EXPECT_EQ(conv(assignVec3fFromRotation, Rotation(0, 2, 0, 1.5f)), Vec3f(0, 1.5f, 0));
+    EXPECT_EQ(conv(assignVec4dFromRotation, Rotation(0, 2, 0, 1.5f)), Vec4d(0, 2, 0, 1.5));
+    EXPECT_EQ(conv(assignRotationFromMatrix4f, Matrix4f(0.0f), Rotation(1, 0, 0, 1)), Rotation());
 
     // Through a matrix and back: the same turn.
     const Rotation turn(Vec3f(1, 2, 3) / std::sqrt(14.0f), 0.75f);
-    Matrix3f m3;
-    assignMatrix3fFromRotation(m3, turn);
-    Rotation back;
-    assignRotationFromMatrix3f(back, m3);
+    Rotation back = conv(assignRotationFromMatrix3f, conv(assignMatrix3fFromRotation, turn));
     for (int i = 0; i < 4; ++i)
         EXPECT_NEAR(back[i], turn[i], 1e-5) << i;
 
     // A 4 x 4 matrix with scale and translation gives its rotation part.
-    Matrix4d m4;
-    assignMatrix4dFromRotation(m4, Rotation(0, 0, 1, 0.5f));
+    Matrix4d m4 = conv(assignMatrix4dFromRotation, Rotation(0, 0, 1, 0.5f));
     EXPECT_EQ(m4[3], glm::dvec4(0, 0, 0, 1));
     m4[0] *= 3.0;
     m4[1] *= 0.5;
     m4[3] = glm::dvec4(10, 20, 30, 1);
-    assignRotationFromMatrix4d(back, m4);
+    back = conv(assignRotationFromMatrix4d, m4);
     EXPECT_NEAR(back.angle(), 0.5f, 1e-6);
     EXPECT_NEAR(back.axis().z, 1.0f, 1e-6);
 
-    Matrix4f zero(0.0f);
-    assignRotationFromMatrix4f(back, zero);
-    EXPECT_EQ(back, Rotation());
-}
-
-TEST(ConversionRules, Matrices)
-{
     Matrix3f m3;
     for (int i = 0; i < 9; ++i)
         valuePtr(m3)[i] = float(i + 1);
-    Matrix4d m4(5.0);
-    assignMatrix4dFromMatrix3f(m4, m3);
-    EXPECT_EQ(m4[0], glm::dvec4(1, 2, 3, 0));
-    EXPECT_EQ(m4[2], glm::dvec4(7, 8, 9, 0));
-    EXPECT_EQ(m4[3], glm::dvec4(0, 0, 0, 1));
-    Matrix3d back;
-    assignMatrix3dFromMatrix4d(back, m4);
-    EXPECT_EQ(back, Matrix3d(m3));
-    Matrix3f narrowed;
-    Matrix3d huge(1e300);
-    assignMatrix3fFromMatrix3d(narrowed, huge);
-    EXPECT_TRUE(std::isinf(narrowed[0][0]));
+    const Matrix4d wide = conv(assignMatrix4dFromMatrix3f, m3, Matrix4d(5.0));
+    EXPECT_EQ(wide[0], glm::dvec4(1, 2, 3, 0));
+    EXPECT_EQ(wide[2], glm::dvec4(7, 8, 9, 0));
+    EXPECT_EQ(wide[3], glm::dvec4(0, 0, 0, 1));
+    EXPECT_EQ(conv(assignMatrix3dFromMatrix4d, wide), Matrix3d(m3));
+    EXPECT_TRUE(std::isinf(conv(assignMatrix3fFromMatrix3d, Matrix3d(1e300))[0][0]));
 }
 
 TEST(ConversionRules, Text)
 {
-    std::string text;
-    assignStringFromBool(text, true);
-    EXPECT_EQ(text, "TRUE");
-    assignStringFromInt32(text, -5);
-    EXPECT_EQ(text, "-5");
-    assignStringFromFloat(text, 0.1f);
-    EXPECT_EQ(text, "0.1");
-    assignStringFromTime(text, 1234567890.123456);
-    EXPECT_EQ(text, "1234567890.123456");
-    assignStringFromVec3f(text, Vec3f(1, 2.5f, -3));
-    EXPECT_EQ(text, "1 2.5 -3");
-    assignStringFromRotation(text, Rotation(0, 1, 0, 1.5f));
-    EXPECT_EQ(text, "0 1 0 1.5");
-    assignStringFromColor4f(text, Color4f(1, 0, 0.5f, 1));
-    EXPECT_EQ(text, "1 0 0.5 1");
-    assignStringFromMatrix3f(text, Matrix3f(1.0f));
-    EXPECT_EQ(text, "1 0 0 0 1 0 0 0 1");
-    assignStringFromString(text, "as is \"quoted\"");
-    EXPECT_EQ(text, "as is \"quoted\"");
+    EXPECT_EQ(conv(assignStringFromBool, true), "TRUE");
+    EXPECT_EQ(conv(assignStringFromInt32, -5), "-5");
+    EXPECT_EQ(conv(assignStringFromFloat, 0.1f), "0.1");
+    EXPECT_EQ(conv(assignStringFromTime, 1234567890.123456), "1234567890.123456");
+    EXPECT_EQ(conv(assignStringFromVec3f, Vec3f(1, 2.5f, -3)), "1 2.5 -3");
+    EXPECT_EQ(conv(assignStringFromRotation, Rotation(0, 1, 0, 1.5f)), "0 1 0 1.5");
+    EXPECT_EQ(conv(assignStringFromColor4f, Color4f(1, 0, 0.5f, 1)), "1 0 0.5 1");
+    EXPECT_EQ(conv(assignStringFromMatrix3f, Matrix3f(1.0f)), "1 0 0 0 1 0 0 0 1");
+    EXPECT_EQ(conv(assignStringFromString, "as is \"quoted\""), "as is \"quoted\"");
 }

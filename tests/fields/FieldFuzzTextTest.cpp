@@ -1,16 +1,5 @@
-#include "base/FieldType.h"
-#include "base/MFDouble.h"
-#include "base/MFFloat.h"
-#include "base/MFInt32.h"
-#include "base/SFBool.h"
-#include "base/SFDouble.h"
-#include "base/SFFloat.h"
-#include "base/SFInt32.h"
-#include "base/SFString.h"
-#include "tests/support/LogCapture.h"
-#include "tests/support/TestNodes.h"
-
-#include <gtest/gtest.h>
+// Random text: no type breaks on it, and the numbers read are those of strtod and strtol.
+#include "tests/fields/FieldKit.h"
 
 #include <cfloat>
 #include <cmath>
@@ -146,8 +135,13 @@ TEST(FieldFuzzTextTest, NumbersAreWhatTheCConversionsGive)
     MFFloat        mf(*node);
     MFDouble       md(*node);
     MFInt32        mi(*node);
-    for (int round = 0; round < 3000; ++round) {
-        const std::string text = maker.next();
+    // The edges first: limits of float, hex, signs, words and leading junk.
+    const std::vector<std::string> fixed = {
+        "1e3", "-.5", "0x10", "0x1", "1,5", " \t\n 2", "+", "+7", "+1", " 1", "1e39", "-1e39", "3.4028235e38",
+        "3.4028236e38", "nan", "-nan", "  -12xyz", "3.9", "1e400", "4.9e-324", "1234567890.123456", "true", "Yes",
+        "y", "FALSE", "N", "0", "0.0", "-0.0", ".5", "-1", "1abc", "-", ".", "x", ""};
+    for (std::size_t round = 0; round < fixed.size() + 3000; ++round) {
+        const std::string text = round < fixed.size() ? fixed[round] : maker.next();
         const char*       t = text.c_str();
         f.setValueByStr(0.0, t);
         d.setValueByStr(0.0, t);
