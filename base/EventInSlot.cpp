@@ -204,10 +204,10 @@ void EventInSlot::receiveEvent(const double& time, Field& value, ConvertParam* p
     // The common case of Field::send (an out-slot, no listeners) done here: one call less on
     // every hop of a cascade, whose depth is the length of the route chain.
     if (own._outSlot && !own._listeners) {
-        const PartMask added((desc ? desc->mask() : NodePart::_nullMask).value() & ~node.isChangingMask().value());
-        node.setIsChanging(added);
+        const PartMask mask = desc ? desc->mask() : NodePart::_nullMask;
+        node.setIsChanging(mask);
         own._outSlot->sendEvent(time, own, nullptr, onlyIS);
-        node.clearIsChanging(added);
+        node.clearIsChanging(mask);
         return;
     }
     own.send(time, true, onlyIS);

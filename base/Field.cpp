@@ -246,13 +246,13 @@ void Field::send(const double& time, bool markChanging, bool onlyIS)
         return;
     }
     // While the field sends, its bit in the is-changing mask is what stops an event that comes
-    // back round a cycle. Only the bits set here are cleared, so that a nested send of the same
-    // field cannot lift the guard of the outer one.
+    // back round a cycle. The bit is cleared when the send is over, a nested send of the same
+    // field (a change during its own cascade) included: an event that comes back after the
+    // nested send is taken once more.
     const PartMask mask = _desc ? _desc->mask() : _nullMask;
-    const PartMask added(mask.value() & ~_owner->isChangingMask().value());
-    _owner->setIsChanging(added);
+    _owner->setIsChanging(mask);
     _outSlot->sendEvent(time, *this, nullptr, onlyIS);
-    _owner->clearIsChanging(added);
+    _owner->clearIsChanging(mask);
 }
 
 // --- event slots ---

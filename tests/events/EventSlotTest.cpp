@@ -15,6 +15,7 @@
 #include <functional>
 #include <string>
 #include <vector>
+#include <utility>
 
 using namespace Orvane;
 using namespace Orvane::Test;
@@ -84,6 +85,40 @@ TEST_F(EventSlotTest, CycleDeliversOnceAroundAndStopsAtTheSender)
     EXPECT_FLOAT_EQ(value(*a).value(), 3.0f);
     EXPECT_FLOAT_EQ(value(*b).value(), 3.0f);
     // The guard held only while sending.
+    EXPECT_TRUE(a->isChangingMask().empty());
+    EXPECT_TRUE(b->isChangingMask().empty());
+}
+
+TEST_F(EventSlotTest, NestedSendOfTheSameFieldLiftsTheGuardWhenItEnds)
+{
+    TestNodeType nest{"Nest",
+                      {{"value", ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess},
+                       {"out", EventOutPartType, SFFloatType, NodePartDesc::CtorAutoProcess}}};
+    auto live = [&](const char* name) {
+        SmartPtr<Node> node = nest.make(name);
+        node->setProc(new TraceProc(trace));
+        node->setNodeState(0.0, Live);
+        return node;
+    };
+    SmartPtr<Node> a = live("A"), b = live("B");
+    Field& out = *a->findField(1u);
+    Route::create(out, *b->findField(0u));
+    Route::create(*b->findField(0u), out, Route::DEFAULT, true);
+    // B's first reaction sets A.out while A.out is still sending: A.out sends again, nested.
+    bool once = true;
+    proc(*b).onChange = [&](Node&, Field&) {
+        if (std::exchange(once, false))
+            static_cast<SFFloat&>(out).setValue(1.0, 5.0f, Field::FieldCaller);
+    };
+
+    LogCapture log;
+    static_cast<SFFloat&>(out).setValue(1.0, 1.0f, Field::FieldCaller);
+
+    // The nested send sets B but stops there, as B is reacting. Once it is over A.out's guard is
+    // down, so the value that B passes on afterwards makes A react, and that stops at B again.
+    EXPECT_EQ(trace.calls, (std::vector<std::string>{"B=1", "A=5"}));
+    EXPECT_EQ(log.count("Field Nest/B.value is already changing; break loop\n", LOG_INFO), 2) << log.all();
+    EXPECT_EQ(log.count("Field Nest/A.out is already changing; break loop\n", LOG_INFO), 0) << log.all();
     EXPECT_TRUE(a->isChangingMask().empty());
     EXPECT_TRUE(b->isChangingMask().empty());
 }
