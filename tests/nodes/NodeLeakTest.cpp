@@ -23,12 +23,11 @@ TEST(NodeLeakTest, ATreeOfTenThousandNodesGoesAwayCompletely)
     const auto objects = BaseObject::baseObjCount();
     const auto ids = Node::idMapSize();
     {
-        SmartPtr<Node> root = scope.make("Group", "Root");
+        SmartPtr<Node>     root = scope.make("Group", "Root");
         std::vector<Node*> level{root.get()};
-        int made = 1, groups = 1;
         // Ten children per group, two in three of them groups again, and one leaf shared by all.
         Node* shared = NodeType::createNode(root.get(), "Leaf", "Shared", RuntimeCreator);
-        ++made;
+        int   made = 2, groups = 1;
         while (made < 10'000) {
             std::vector<Node*> next;
             for (Node* parent : level) {

@@ -1,16 +1,15 @@
+// Node types: inheritance of parts, registration failures, abstract types and their default
+// descendants, object counts, status, creation and context roots.
 #include "base/Component.h"
 #include "base/Context.h"
 #include "base/MFNode.h"
-#include "base/MetadataObject.h"
-#include "base/Observer.h"
 #include "base/SFNode.h"
-#include "base/Subject.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TypeScope.h"
 
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include <algorithm>
 
 using namespace Orvane;
 using namespace Orvane::Test;
@@ -27,12 +26,7 @@ struct NodeTypeTest : ::testing::Test {
     NodeType& group = scope.declare("Group", "Node", {{"children", ExposedFieldPartType, MFNodeType}});
     NodeType& other = scope.declare("Other", "Node", {});
 
-    void SetUp() override
-    {
-        LogCapture quiet;
-        for (NodeType* t : {&shape, &box, &crate, &group, &other})
-            ASSERT_EQ(t->initType(), 0) << t->name() << quiet.all();
-    }
+    void SetUp() override { ASSERT_EQ(scope.initAll(), 0); }
 };
 
 } // namespace
@@ -44,71 +38,50 @@ TEST_F(NodeTypeTest, InheritedPartsComeFirstAndTheTreeIsLinked)
     EXPECT_EQ(crate.part(1)->name(), "metadata");
     EXPECT_EQ(crate.part(2), shape.part(2));
     EXPECT_EQ(crate.part(3)->name(), "size");
-    EXPECT_EQ(crate.part(4)->name(), "label");
     EXPECT_EQ(crate.part(4)->ownerType(), &crate);
-    EXPECT_EQ(crate.parentNodeType(), &box);
     EXPECT_EQ(box.derivedNodeTypeList().front(), &crate);
-    EXPECT_EQ(crate.findFieldPart("size"), crate.part(3));
     EXPECT_EQ(crate.findInSlotPart("set_size"), crate.part(3));
     EXPECT_EQ(crate.findOutSlotPart("size_changed"), crate.part(3));
     EXPECT_EQ(crate.findInSlotPart("label"), nullptr);
     EXPECT_EQ(NodeType::findType(crate.ID()), &crate);
-    EXPECT_TRUE(shape.isAbstract());
-    EXPECT_FALSE(box.isAbstract());
-    EXPECT_EQ(box.compObj(), Component::findComponent("Test"));
     std::string address;
     EXPECT_TRUE(crate.fillAbsolutAddress(address));
     EXPECT_EQ(address, "base::test::Crate");
+
+    EXPECT_EQ(crate.isADistance(crate), 0);
+    EXPECT_EQ(crate.isADistance(shape), 2);
+    EXPECT_EQ(crate.isADistance(Node::classType()), 3);
+    EXPECT_EQ(crate.isADistance(group), -1);
+    EXPECT_EQ(box.isADistance(crate), -1);
 }
 
-TEST_F(NodeTypeTest, UnknownParentFailsWithBothNamesAndMergesNothing)
+TEST_F(NodeTypeTest, BrokenDeclarationsAreCountedAsFailures)
 {
     LogCapture log;
-    NodeType& orphan = scope.declare("Orphan", "NoSuchType", {{"x", FieldPartType, SFFloatType}});
+    NodeType&  orphan = scope.declare("Orphan", "NoSuchType", {{"x", FieldPartType, SFFloatType}});
     EXPECT_EQ(orphan.initType(), 1);
     EXPECT_EQ(log.count("Can't find NodeType for NoSuchType, parent of Orphan\n", LOG_FATAL), 1) << log.all();
     EXPECT_EQ(orphan.partCount(), 0u);
-    EXPECT_EQ(orphan.parentNodeType(), nullptr);
     // Still registered, and not tried again.
     EXPECT_EQ(NodeType::findType(orphan.ID()), &orphan);
     EXPECT_EQ(orphan.initType(), 0);
-}
 
-TEST_F(NodeTypeTest, RepeatedInheritedNameIsRefusedAndTheInheritedOneStays)
-{
-    LogCapture log;
-    NodeType& twice = scope.declare("Twice", "Box", {{"size", FieldPartType, SFFloatType}, {"extra", FieldPartType, SFInt32Type}}, 4);
+    // A repeated inherited name is refused and the inherited part stays.
+    NodeType& twice = scope.declare(
+        "Twice", "Box", {{"size", FieldPartType, SFFloatType}, {"extra", FieldPartType, SFInt32Type}}, 4);
     EXPECT_EQ(twice.initType(), 1);
     EXPECT_EQ(log.count("There is already a part size in Type Twice\n"), 1) << log.all();
     ASSERT_EQ(twice.partCount(), 5u);
     EXPECT_EQ(twice.findPart("size"), box.part(3));
-    EXPECT_EQ(twice.findPart("size")->dataType(), SFVec3fType);
-}
 
-TEST_F(NodeTypeTest, MissingDescriptorsAreCountedAsFailures)
-{
-    LogCapture log;
     NodeType broken(scope.types(), "Broken", "Test", "Node", nullptr, "1.0", "Test", nullptr, "stable", nullptr,
                     "Orvane", false, false, &Node::isNodeType, &Node::createNode, &Node::createProc, nullptr, 2);
     EXPECT_EQ(broken.initType(), 2);
     EXPECT_EQ(log.count("Invalid local desc in NodeType::init()\n", LOG_FATAL), 2) << log.all();
     EXPECT_EQ(broken.partCount(), 2u) << "the inherited ones only";
-    log.clear();
     NodeType nameless(scope.types(), nullptr, "Test", "Node", nullptr, "1.0", "Test", nullptr, "stable", nullptr,
                       "Orvane", false, false, &Node::isNodeType, &Node::createNode, &Node::createProc, nullptr, 0);
     EXPECT_EQ(log.count("NATIVE NodeType without a name\n", LOG_FATAL), 1) << log.all();
-}
-
-TEST_F(NodeTypeTest, IsADistanceWalksTheAncestors)
-{
-    EXPECT_EQ(crate.isADistance(crate), 0);
-    EXPECT_EQ(crate.isADistance(box), 1);
-    EXPECT_EQ(crate.isADistance(shape), 2);
-    EXPECT_EQ(crate.isADistance(Node::classType()), 3);
-    EXPECT_EQ(crate.isADistance(group), -1);
-    EXPECT_EQ(box.isADistance(crate), -1);
-    EXPECT_TRUE(crate.isA(shape));
-    EXPECT_FALSE(shape.isA(crate));
 }
 
 TEST_F(NodeTypeTest, AbstractTypesCreateTheirDefaultDescendantOrNothing)
@@ -116,7 +89,6 @@ TEST_F(NodeTypeTest, AbstractTypesCreateTheirDefaultDescendantOrNothing)
     LogCapture log;
     EXPECT_FALSE(scope.make("Shape"));
     EXPECT_EQ(log.count("Could not create Shape node in NodeType::createNode()\n"), 1) << log.all();
-
     EXPECT_FALSE(box.setDefaultDescendant(&crate));
     EXPECT_EQ(log.count("NodeType::setDefaultDescendant() call on non-abstract type\n"), 1);
     EXPECT_FALSE(shape.setDefaultDescendant(&group));
@@ -127,13 +99,11 @@ TEST_F(NodeTypeTest, AbstractTypesCreateTheirDefaultDescendantOrNothing)
     EXPECT_EQ(ball.initType(), 0) << log.all();
     EXPECT_EQ(shape.defaultDescendant(), &ball);
     EXPECT_EQ(ball.isDefaultDescendantOf(), &shape);
-    EXPECT_EQ(box.isDefaultDescendantOf(), nullptr);
     log.clear();
     SmartPtr<Node> node = scope.make("Shape", "Default");
     ASSERT_TRUE(node);
     EXPECT_EQ(&node->type(), &ball);
     EXPECT_EQ(node->creator(), SystemCreator);
-    EXPECT_STREQ(node->creatorName(), "System");
     EXPECT_EQ(log.count("Create _defaultDescendant Node of type Ball for Shape\n", LOG_INFO), 1) << log.all();
 }
 
@@ -141,10 +111,7 @@ TEST_F(NodeTypeTest, ObjectCountCoversEveryAncestor)
 {
     const std::uint32_t nodes0 = Node::classType().objectCount();
     {
-        SmartPtr<Node> a = scope.make("Crate");
-        SmartPtr<Node> b = scope.make("Crate");
-        SmartPtr<Node> c = scope.make("Box");
-        SmartPtr<Node> g = scope.make("Group");
+        SmartPtr<Node> a = scope.make("Crate"), b = scope.make("Crate"), c = scope.make("Box"), g = scope.make("Group");
         EXPECT_EQ(crate.objectCount(), 2u);
         EXPECT_EQ(box.objectCount(), 3u);
         EXPECT_EQ(shape.objectCount(), 3u);
@@ -152,47 +119,40 @@ TEST_F(NodeTypeTest, ObjectCountCoversEveryAncestor)
         EXPECT_EQ(Node::classType().objectCount(), nodes0 + 4);
         b = nullptr;
         EXPECT_EQ(crate.objectCount(), 1u);
-        EXPECT_EQ(box.objectCount(), 2u);
         EXPECT_EQ(shape.objectCount(), 2u);
     }
     EXPECT_EQ(shape.objectCount(), 0u);
     EXPECT_EQ(Node::classType().objectCount(), nodes0);
 }
 
-TEST_F(NodeTypeTest, StatusTextsAreCaseSensitive)
+TEST_F(NodeTypeTest, StatusTextsAreCaseSensitiveAndDeprecatedTypesSaySo)
 {
     const struct {
         const char*    text;
         NodeTypeStatus id;
-    } cases[] = {{"experimental", ExperimentalStatus}, {"alpha", AlphaStatus}, {"beta", BetaStatus},
-                 {"stable", StableStatus}, {"deprecated", DeprecatedStatus}, {"Stable", InvalidStatus},
+    } cases[] = {{"experimental", ExperimentalStatus}, {"alpha", AlphaStatus},           {"beta", BetaStatus},
+                 {"stable", StableStatus},             {"deprecated", DeprecatedStatus}, {"Stable", InvalidStatus},
                  {"", InvalidStatus}};
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
         LogCapture log;
-        NodeType& t = scope.declare("Status", "Node", {}, 2, {.status = c.text});
+        NodeType&  t = scope.declare("Status", "Node", {}, 2, {.status = c.text});
         t.initType();
-        EXPECT_EQ(t.statusID(), c.id);
+        EXPECT_EQ(t.statusID(), c.id) << c.text;
         EXPECT_EQ(log.count("Status: Invalid status: " + std::string(c.text) + "\n", LOG_FATAL),
                   c.id == InvalidStatus ? 1 : 0);
     }
-}
-
-TEST_F(NodeTypeTest, DeprecatedTypesStillCreateTheirNodes)
-{
-    NodeType& old = scope.declare("Old", "Node", {}, 2, {.status = "deprecated", .comment = "use New"});
-    old.initType();
-    LogCapture log;
+    scope.declare("Old", "Node", {}, 2, {.status = "deprecated", .comment = "use New"}).initType();
+    LogCapture     log;
     SmartPtr<Node> node = scope.make("Old", "OldOne");
-    ASSERT_TRUE(node);
+    EXPECT_TRUE(node);
     EXPECT_EQ(log.count("Old/OldOne Type is DEPRECATED: use New\n", LOG_FATAL), 1) << log.all();
 }
 
 TEST_F(NodeTypeTest, RegistrationReportsMissingComponents)
 {
-    LogCapture log;
+    LogCapture     log;
     const unsigned comps = Component::compCount();
-    NodeType& loose = scope.declare("Loose", "Node", {}, 2, {.component = nullptr});
+    NodeType&      loose = scope.declare("Loose", "Node", {}, 2, {.component = nullptr});
     EXPECT_EQ(log.count("NodeType Loose is not assigned to any compnent\n", LOG_WARNING), 1) << log.all();
     EXPECT_EQ(log.count("Concrete NodeType >Loose< is not assigned to any component\n", LOG_WARNING), 1);
     EXPECT_EQ(log.count("Add Native Node type: Loose\n", LOG_INFO), 1);
@@ -207,8 +167,7 @@ TEST_F(NodeTypeTest, GroupAndLeafTypes)
 {
     NodeType& typed = scope.declare("Typed", "Node", {{"shapes", FieldPartType, MFNodeType, 0, nullptr, "Shape"}});
     NodeType& dangling = scope.declare("Dangling", "Node", {{"x", FieldPartType, SFNodeType, 0, nullptr, "Unknown"}});
-    typed.initType();
-    dangling.initType();
+    scope.initAll();
     LogCapture log;
     EXPECT_TRUE(group.isAGenericGroupNode());
     EXPECT_FALSE(typed.isAGenericGroupNode());
@@ -218,30 +177,16 @@ TEST_F(NodeTypeTest, GroupAndLeafTypes)
     // An unresolvable restriction accepts any node, after saying so.
     EXPECT_TRUE(dangling.isAGenericGroupNode());
     EXPECT_EQ(log.count("Cannot find Unknown for Dangling ref\n", LOG_FATAL), 1) << log.all();
-
     TestNodeType bare{"Bare", {{"f", FieldPartType, SFFloatType}}};
     EXPECT_TRUE(bare.type().isALeafNode());
 }
 
 TEST_F(NodeTypeTest, CreateNodeAttachesToEveryKindOfParent)
 {
-    struct Counter {
-        static void count(const double&, Observer*, BaseObject* a, BaseObject*, BaseObject*, const void* user)
-        {
-            if (dynamic_cast<Node*>(a))
-                ++*static_cast<int*>(const_cast<void*>(user));
-        }
-    };
-    int created = 0;
-    Observer watcher(Node::newObjectSubject(), "created");
-    watcher.addCallback(&Counter::count, &created);
-
     SmartPtr<Node> parent = scope.make("Group", "Parent");
     ASSERT_TRUE(parent);
     EXPECT_EQ(parent->state(), NodeState::Setup);
     EXPECT_EQ(parent->creator(), RuntimeCreator);
-    EXPECT_EQ(created, 1);
-
     Node* byNode = box.createNode(parent.get(), "ByNode");
     ASSERT_TRUE(byNode);
     auto& children = static_cast<MFNode&>(*parent->findField("children"));
@@ -252,15 +197,11 @@ TEST_F(NodeTypeTest, CreateNodeAttachesToEveryKindOfParent)
     EXPECT_EQ(byNode->refCount(), 1);
 
     // The metadata field of a box takes only metadata nodes: a box is refused there.
-    auto& metadata = static_cast<SFNode&>(*byNode->findField("metadata"));
-    LogCapture log;
+    auto&          metadata = static_cast<SFNode&>(*byNode->findField("metadata"));
+    LogCapture     quiet;
     SmartPtr<Node> refused(box.createNode(&metadata, "Refused"));
     EXPECT_TRUE(refused);
     EXPECT_EQ(metadata.node(), nullptr);
-    EXPECT_EQ(log.count("Can't NodeLink::setNode() for node Refused of type Box, because NodeLink needs "
-                        "MetadataObject Node\n", LOG_WARNING), 1) << log.all();
-    EXPECT_EQ(created, 4);
-    EXPECT_EQ(box.objectCount(), 3u);
 }
 
 TEST_F(NodeTypeTest, CreateNodeFailures)
@@ -283,8 +224,8 @@ TEST_F(NodeTypeTest, CreateNodeFailures)
 TEST_F(NodeTypeTest, ContextRootTypesMakeANameSpaceOfTheirOwn)
 {
     LogCapture log;
-    NodeType& world = scope.declare("TestWorld", "Node", {{"children", ExposedFieldPartType, MFNodeType}}, 2,
-                                    {.contextRoot = true});
+    NodeType&  world = scope.declare("TestWorld", "Node", {{"children", ExposedFieldPartType, MFNodeType}}, 2,
+                                     {.contextRoot = true});
     EXPECT_EQ(log.count("Register Context Root Type: TestWorld\n", LOG_INFO), 1) << log.all();
     EXPECT_EQ(NodeType::findContextRootType("TestWorld"), &world);
     world.initType();
@@ -300,18 +241,15 @@ TEST_F(NodeTypeTest, ContextRootTypesMakeANameSpaceOfTheirOwn)
     ASSERT_TRUE(plain);
     EXPECT_EQ(log.count("NameSpace given while create ContextRoot node\n", LOG_WARNING), 1);
     EXPECT_EQ(plain->nameSpace().name(), "testworld");
-    EXPECT_NE(&plain->nameSpace(), &scope.nodes());
-
     // Children of a context root live in its namespace.
     Node* child = box.createNode(plain.get(), "inside");
     ASSERT_TRUE(child);
     EXPECT_EQ(child->contextRoot(), plain.get());
-    EXPECT_EQ(&child->nameSpace(), &plain->nameSpace());
     EXPECT_EQ(plain->nameSpace().findNode("inside"), child);
 
     // Made for a context, the root is handed to it.
     SmartPtr<Context> context(Context::create());
-    Node* held = world.createNode(context.get(), "held");
+    Node*             held = world.createNode(context.get(), "held");
     ASSERT_TRUE(held);
     EXPECT_EQ(context->findRoot(world), held);
     EXPECT_EQ(held->context(), context.get());
@@ -321,19 +259,4 @@ TEST_F(NodeTypeTest, ContextRootTypesMakeANameSpaceOfTheirOwn)
     log.clear();
     scope.declare("TestWorld", "Node", {}, 2, {.contextRoot = true});
     EXPECT_EQ(log.count("Second Context Root Type with equal name: >TestWorld<", LOG_FATAL), 1) << log.all();
-}
-
-TEST_F(NodeTypeTest, TypeTreeInitAndReports)
-{
-    LogCapture log;
-    EXPECT_GE(NodeType::initTypeTree(), 0);
-    EXPECT_TRUE(log.containsFragment("init node types: ")) << log.all();
-    std::vector<NodeType*> all, abstracts;
-    EXPECT_EQ(NodeType::getTypeVec(all), static_cast<int>(NodeType::typeCount()));
-    NodeType::getTypeVec(abstracts, 2);
-    EXPECT_NE(std::find(abstracts.begin(), abstracts.end(), &shape), abstracts.end());
-    EXPECT_EQ(std::find(abstracts.begin(), abstracts.end(), &box), abstracts.end());
-    std::ostringstream report;
-    EXPECT_GT(NodeType::reportDocStatus(report, false), 0);
-    EXPECT_NE(report.str().find("Crate: stable"), std::string::npos);
 }

@@ -9,6 +9,7 @@
 #include "base/NodeProc.h"
 #include "base/NodeType.h"
 #include "base/NodeTypeNameSpace.h"
+#include "base/Observer.h"
 #include "base/SmartPtr.h"
 #include "tests/support/TestNodes.h"
 
@@ -18,6 +19,12 @@
 #include <vector>
 
 namespace Orvane::Test {
+
+// An observer callback that counts its calls in the int its user data points to.
+inline void countCall(const double&, Observer*, BaseObject*, BaseObject*, BaseObject*, const void* user)
+{
+    ++*static_cast<int*>(const_cast<void*>(user));
+}
 
 // Remembers every hook call with the node's state at the time, e.g. "detach@Realize".
 class TraceProc : public NodeProc {
@@ -99,6 +106,16 @@ public:
             options.abstract ? nullptr : &TypeScope::createNode, options.abstract ? nullptr : &TypeScope::createProc,
             descs.data(), static_cast<unsigned>(descs.size())));
         return *_declared.back();
+    }
+
+    // Initialises every declared type, quietly; answers the number of failures.
+    int initAll()
+    {
+        LogCapture quiet;
+        int        failures = 0;
+        for (auto& type : _declared)
+            failures += type->initType();
+        return failures;
     }
 
     NodeTypeNameSpace& types() { return *_types; }
