@@ -1,3 +1,4 @@
+// Attachments: one reference per entry, released on replace, delete and with the bag.
 #include "base/AttachmentBag.h"
 #include "base/SmartPtr.h"
 #include "tests/support/LogCapture.h"
@@ -26,10 +27,7 @@ private:
     Trace& _trace;
 };
 
-class Bag : public AttachmentBag {
-public:
-    ~Bag() override = default;
-};
+class Bag : public AttachmentBag {};
 
 struct Look {
     bool            looked = false;
@@ -58,87 +56,57 @@ constexpr int key = 5;
 
 } // namespace
 
-TEST(AttachmentBag, SettingTheSameAttachmentTwiceHoldsOneReference)
+TEST(AttachmentBag, SettingAndReplacingMoveOneReference)
 {
-    Bag bag;
-    Trace trace;
-    auto* a = new Attachment(trace);
-    bag.setAttachment(key, a);
-    bag.setAttachment(key, a);
-    EXPECT_EQ(a->refCount(), 1);
-    EXPECT_EQ(bag.getAttachmentCount(), 1u);
-    EXPECT_EQ(bag.getAttachment(key), a);
-    EXPECT_EQ(a->refCount(), 1) << "getAttachment must not add a reference";
-}
-
-TEST(AttachmentBag, ReplacingMovesTheReferenceFromOldToNew)
-{
-    Bag bag;
-    Trace traceA, traceB, traceC;
-    auto* a = new Attachment(traceA);
-    auto* b = new Attachment(traceB);
+    Bag                      bag;
+    Trace                    traceA, traceB, traceC;
+    auto*                    a = new Attachment(traceA);
     SmartPtr<RefCountObject> keepA(a);
-
     bag.setAttachment(key, a);
-    ASSERT_EQ(a->refCount(), 2);
+    bag.setAttachment(key, a);
+    EXPECT_EQ(a->refCount(), 2);
+    EXPECT_EQ(bag.getAttachment(key), a);
+    EXPECT_EQ(a->refCount(), 2) << "getAttachment must not add a reference";
+
+    auto* b = new Attachment(traceB);
     bag.setAttachment(key, b);
     EXPECT_EQ(a->refCount(), 1);
     EXPECT_EQ(b->refCount(), 1);
-    EXPECT_EQ(bag.getAttachment(key), b);
     EXPECT_EQ(bag.getAttachmentCount(), 1u);
-    EXPECT_FALSE(traceA.destroyed);
-
     // Nobody else holds b: replacing it ends it, with its shutdown step.
     bag.setAttachment(key, new Attachment(traceC));
     EXPECT_EQ(traceB.shutdowns, 1);
     EXPECT_TRUE(traceB.destroyed);
     EXPECT_FALSE(traceC.destroyed);
-}
 
-TEST(AttachmentBag, NullIsRefusedAndTheOldAttachmentStays)
-{
+    // Null is refused, the old attachment stays, and no empty entry is made.
     LogCapture log;
-    Bag bag;
-    Trace trace;
-    auto* a = new Attachment(trace);
-    bag.setAttachment(key, a);
-
     bag.setAttachment(key, nullptr);
-    EXPECT_EQ(log.count("Can not add NULL attachemnt for 5 id", LOG_FATAL), 1) << log.all();
-    EXPECT_EQ(bag.getAttachment(key), a);
-    EXPECT_EQ(a->refCount(), 1);
-
-    // A refused null does not make an empty entry either.
     bag.setAttachment(key + 1, nullptr);
-    EXPECT_EQ(bag.getAttachmentCount(), 1u);
+    EXPECT_EQ(log.count("Can not add NULL attachemnt for 5 id", LOG_FATAL), 1) << log.all();
     EXPECT_EQ(log.count("Can not add NULL attachemnt for 6 id", LOG_FATAL), 1);
-}
-
-TEST(AttachmentBag, DelAttachmentDropsOneEntry)
-{
-    Bag bag;
-    Trace traceA, traceB;
-    bag.setAttachment(1, new Attachment(traceA));
-    bag.setAttachment(2, new Attachment(traceB));
-
-    bag.delAttachment(3);  // absent: ignored
-    EXPECT_EQ(bag.getAttachmentCount(), 2u);
-
-    bag.delAttachment(1);
-    EXPECT_TRUE(traceA.destroyed);
-    EXPECT_FALSE(traceB.destroyed);
-    EXPECT_EQ(bag.getAttachment(1), nullptr);
+    EXPECT_NE(bag.getAttachment(key), nullptr);
     EXPECT_EQ(bag.getAttachmentCount(), 1u);
+
+    const int first = AttachmentBag::createUniqueID();
+    EXPECT_GE(first, 0);
+    EXPECT_EQ(AttachmentBag::createUniqueID(), first + 1);
 }
 
-TEST(AttachmentBag, DelAllAttachmentReleasesEveryEntry)
+TEST(AttachmentBag, DeletingReleasesEntries)
 {
-    Bag bag;
-    Trace kept, owned;
-    auto* held = new Attachment(kept);
+    Trace                    kept, owned, other;
+    auto*                    held = new Attachment(kept);
     SmartPtr<RefCountObject> keep(held);
+    Bag                      bag;
     bag.setAttachment(1, held);
     bag.setAttachment(2, new Attachment(owned));
+    bag.setAttachment(3, new Attachment(other));
+    bag.delAttachment(4);  // absent: ignored
+    bag.delAttachment(3);
+    EXPECT_TRUE(other.destroyed);
+    EXPECT_EQ(bag.getAttachment(3), nullptr);
+    EXPECT_EQ(bag.getAttachmentCount(), 2u);
 
     bag.delAllAttachment();
     EXPECT_EQ(bag.getAttachmentCount(), 0u);
@@ -146,28 +114,15 @@ TEST(AttachmentBag, DelAllAttachmentReleasesEveryEntry)
     EXPECT_FALSE(kept.destroyed);
     EXPECT_TRUE(owned.destroyed);
     EXPECT_EQ(bag.getAttachment(1), nullptr);
-    EXPECT_EQ(bag.getAttachment(2), nullptr);
-    EXPECT_EQ(bag.getAttachmentCount(), 0u);
 
-    // The bag works again afterwards.
-    bag.setAttachment(1, held);
-    EXPECT_EQ(bag.getAttachment(1), held);
+    // The bag works again afterwards, and its destruction releases what it holds.
+    auto* doomed = new Bag;
+    doomed->setAttachment(1, held);
     EXPECT_EQ(held->refCount(), 2);
-}
-
-TEST(AttachmentBag, DestroyingTheBagReleasesItsAttachments)
-{
-    Trace kept, owned;
-    auto* held = new Attachment(kept);
-    SmartPtr<RefCountObject> keep(held);
-
-    auto* bag = new Bag;
-    bag->setAttachment(1, held);
-    bag->setAttachment(2, new Attachment(owned));
-    bag->release();
-
-    EXPECT_TRUE(owned.destroyed);
-    EXPECT_FALSE(kept.destroyed);
+    Trace last;
+    doomed->setAttachment(2, new Attachment(last));
+    doomed->release();
+    EXPECT_TRUE(last.destroyed);
     EXPECT_EQ(held->refCount(), 1);
 }
 
@@ -175,28 +130,16 @@ TEST(AttachmentBag, AttachmentLookingBackWhileTheBagGoesFindsNothing)
 {
     // Both while the map is cleared and while the bag itself is destroyed; under the
     // sanitizers this also checks that nothing leaks or is touched after it was freed.
-    Look clearing;
-    Bag bag;
+    Look clearing, dying;
+    Bag  bag;
     bag.setAttachment(key, new Peeker(bag, key, clearing));
     bag.delAllAttachment();
     EXPECT_TRUE(clearing.looked);
     EXPECT_EQ(clearing.seen, nullptr);
-    EXPECT_EQ(bag.getAttachmentCount(), 0u);
 
-    Look dying;
     auto* doomed = new Bag;
     doomed->setAttachment(key, new Peeker(*doomed, key, dying));
     doomed->release();
     EXPECT_TRUE(dying.looked);
     EXPECT_EQ(dying.seen, nullptr);
-}
-
-TEST(AttachmentBag, CreateUniqueIDCountsUp)
-{
-    int first = AttachmentBag::createUniqueID();
-    int second = AttachmentBag::createUniqueID();
-    int third = AttachmentBag::createUniqueID();
-    EXPECT_GE(first, 0);
-    EXPECT_EQ(second, first + 1);
-    EXPECT_EQ(third, first + 2);
 }

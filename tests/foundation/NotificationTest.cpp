@@ -1,3 +1,4 @@
+// Subjects and observers: callback ids and order, moving, switching off, changes during delivery.
 #include "base/Observer.h"
 #include "base/Subject.h"
 #include "tests/support/LogCapture.h"
@@ -55,189 +56,129 @@ const char* const copyText = "Running Notification Handler copy constructor !\n"
 
 } // namespace
 
-TEST(Notification, CallbackIdsAreSharedAcrossObservers)
+TEST(Notification, CallbackIdsAndOrder)
 {
     std::vector<Call> calls;
-    Tag tag{&calls, "x"};
-    Observer first("first");
-    Observer second("second");
-    int n = first.addCallback(record, &tag);
-    int next = second.addCallback(record, &tag);
-    EXPECT_EQ(next, n + 1);
-    EXPECT_EQ(first.addCallback(record, &tag), n + 2);
-}
-
-TEST(Notification, CallbacksRunByIdWithinAnObserverAndObserversInAttachOrder)
-{
-    std::vector<Call> calls;
-    Tag a1{&calls, "a1"}, b1{&calls, "b1"}, a2{&calls, "a2"};
-    Subject subject("order");
-    Observer a("a"), b("b");
-    a.addCallback(record, &a1);
-    b.addCallback(record, &b1);
-    a.addCallback(record, &a2);
-    // b is attached first although its callback has the larger id.
+    Tag               a1{&calls, "a1"}, b1{&calls, "b1"}, a2{&calls, "a2"};
+    Subject           subject("order"), x("x"), y("y"), z("z");
+    Observer          a("a"), b("b");
+    // Ids are counted across observers.
+    const int first = a.addCallback(record, &a1);
+    EXPECT_EQ(b.addCallback(record, &b1), first + 1);
+    EXPECT_EQ(a.addCallback(record, &a2), first + 2);
+    // Callbacks run by id within an observer, observers in attach order: b first although its
+    // callback has the larger id.
     b.setSubject(&subject);
     a.setSubject(&subject);
-
-    subject.notify(1.5);
-    EXPECT_EQ(tags(calls), (Tags{"b1", "a1", "a2"}));
-}
-
-TEST(Notification, CallbackReceivesTimeObserverObjectsAndUserData)
-{
-    std::vector<Call> calls;
-    Tag tag{&calls, "t"};
-    Subject subject("args"), x("x"), y("y"), z("z");
-    Observer observer(subject, "args");
-    observer.addCallback(record, &tag);
-
     subject.notify(42.25, &x, &y, &z);
-    ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].tag, "t");
+    EXPECT_EQ(tags(calls), (Tags{"b1", "a1", "a2"}));
     EXPECT_EQ(calls[0].time, 42.25);
-    EXPECT_EQ(calls[0].observer, &observer);
+    EXPECT_EQ(calls[0].observer, &b);
     EXPECT_EQ(calls[0].a, &x);
     EXPECT_EQ(calls[0].b, &y);
     EXPECT_EQ(calls[0].c, &z);
-
+    calls.clear();
     subject.notify(1.0);
-    ASSERT_EQ(calls.size(), 2u);
-    EXPECT_EQ(calls[1].a, nullptr);
-    EXPECT_EQ(calls[1].c, nullptr);
+    EXPECT_EQ(calls[0].a, nullptr);
+    EXPECT_EQ(calls[0].c, nullptr);
 }
 
 TEST(Notification, AnObserverHasAtMostOneSubject)
 {
     std::vector<Call> calls;
-    Tag tag{&calls, "o"};
-    Subject first("first"), second("second"), third("third");
-    Observer observer(first, "moving");
+    Tag               tag{&calls, "o"};
+    Subject           first("first"), second("second"), third("third");
+    Observer          observer(first, "moving");
     observer.addCallback(record, &tag);
+    auto reached = [&](Subject& subject) {
+        calls.clear();
+        subject.notify(0.0);
+        return calls.size();
+    };
     EXPECT_EQ(observer.subject(), &first);
-    EXPECT_EQ(first.observerCount(), 1u);
 
     second.attach(observer);
+    second.attach(observer);  // again where it already is: no change
     EXPECT_EQ(first.observerCount(), 0u);
     EXPECT_EQ(second.observerCount(), 1u);
     EXPECT_EQ(observer.subject(), &second);
-    first.notify(0.0);
-    EXPECT_TRUE(calls.empty());
-    second.notify(0.0);
-    EXPECT_EQ(calls.size(), 1u);
+    EXPECT_EQ(reached(first), 0u);
+    EXPECT_EQ(reached(second), 1u);
 
-    // Attaching again where it already is changes nothing.
-    second.attach(observer);
-    EXPECT_EQ(second.observerCount(), 1u);
-    calls.clear();
-    second.notify(0.0);
-    EXPECT_EQ(calls.size(), 1u);
-
-    // setSubject moves it the same way, and the new subject reaches it.
+    // setSubject moves it the same way.
     observer.setSubject(&third);
     EXPECT_EQ(second.observerCount(), 0u);
-    EXPECT_EQ(third.observerCount(), 1u);
-    EXPECT_EQ(observer.subject(), &third);
-    calls.clear();
-    second.notify(0.0);
-    third.notify(0.0);
-    EXPECT_EQ(calls.size(), 1u);
-
+    EXPECT_EQ(reached(second), 0u);
+    EXPECT_EQ(reached(third), 1u);
     // Detaching from a subject it is not attached to does nothing.
     first.detach(observer);
     EXPECT_EQ(observer.subject(), &third);
-    EXPECT_EQ(third.observerCount(), 1u);
-
     observer.setSubject(nullptr);
     EXPECT_EQ(observer.subject(), nullptr);
     EXPECT_EQ(third.observerCount(), 0u);
 }
 
-TEST(Notification, DisabledObserversAndSubjectsAreSilent)
+TEST(Notification, DisabledAndEmptyObserversAndSubjectsAreSilent)
 {
+    LogCapture        log;
     std::vector<Call> calls;
-    Tag on{&calls, "on"}, off{&calls, "off"};
-    Subject subject("switch");
-    Observer disabled(subject, "disabled"), enabled(subject, "enabled");
+    Tag               on{&calls, "on"}, off{&calls, "off"};
+    Subject           subject("switch");
+    Observer          disabled(subject, "disabled"), empty(subject, "empty"), enabled(subject, "enabled");
     disabled.addCallback(record, &off);
     enabled.addCallback(record, &on);
 
     disabled.setEnabled(false);
     subject.notify(0.0);
     EXPECT_EQ(tags(calls), (Tags{"on"}));
-
     calls.clear();
     subject.setEnabled(false);
     subject.notify(0.0);
     EXPECT_TRUE(calls.empty());
-
     subject.setEnabled(true);
     disabled.setEnabled(true);
     subject.notify(0.0);
     EXPECT_EQ(tags(calls), (Tags{"off", "on"}));
-}
-
-TEST(Notification, ObserverWithoutCallbacksIsSkippedSilently)
-{
-    LogCapture log;
-    std::vector<Call> calls;
-    Tag before{&calls, "before"}, after{&calls, "after"};
-    Subject subject("gap");
-    Observer first(subject, "first"), empty(subject, "empty"), last(subject, "last");
-    first.addCallback(record, &before);
-    last.addCallback(record, &after);
-
-    subject.notify(0.0);
-    EXPECT_EQ(tags(calls), (Tags{"before", "after"}));
     EXPECT_EQ(log.size(), 0u) << log.all();
 
-    // A subject that never had an observer is silent too.
-    Subject lonely("lonely");
+    // Without a name, a name is empty; a subject that never had an observer is silent too.
+    Subject lonely(nullptr);
+    EXPECT_EQ(lonely.name(), "");
+    EXPECT_EQ(Observer(nullptr).name(), "");
     lonely.notify(0.0);
-    EXPECT_EQ(lonely.observerCount(), 0u);
 }
 
-TEST(Notification, CallbackThatRemovesItselfWhileNotified)
+TEST(Notification, ChangesWhileNotified)
 {
     std::vector<Call> calls;
-    Tag once{&calls, "once"}, stays{&calls, "stays"};
+    Tag               once{&calls, "once"}, stays{&calls, "stays"}, leaving{&calls, "leaving"};
     once.removeSelf = true;
-    Subject subject("self");
-    Observer observer(subject, "self");
+    leaving.detachObserver = true;
+    Subject  subject("self");
+    Observer observer(subject, "self"), leaver(subject, "leaver");
     once.id = observer.addCallback(record, &once);
     observer.addCallback(record, &stays);
+    // The observer that detaches does not hide the next one.
+    leaver.addCallback(record, &leaving);
+    Observer last(subject, "last");
+    last.addCallback(record, &stays);
 
     subject.notify(0.0);
-    EXPECT_EQ(tags(calls), (Tags{"once", "stays"}));
+    EXPECT_EQ(tags(calls), (Tags{"once", "stays", "leaving", "stays"}));
     EXPECT_EQ(observer.callbackCount(), 1u);
-
+    EXPECT_EQ(leaver.subject(), nullptr);
+    EXPECT_EQ(subject.observerCount(), 2u);
     calls.clear();
     subject.notify(0.0);
-    EXPECT_EQ(tags(calls), (Tags{"stays"}));
-}
-
-TEST(Notification, ObserverThatDetachesWhileNotifiedDoesNotHideTheNext)
-{
-    std::vector<Call> calls;
-    Tag leaving{&calls, "leaving"}, next{&calls, "next"};
-    leaving.detachObserver = true;
-    Subject subject("leave");
-    Observer first(subject, "first"), second(subject, "second");
-    first.addCallback(record, &leaving);
-    second.addCallback(record, &next);
-
-    subject.notify(0.0);
-    EXPECT_EQ(tags(calls), (Tags{"leaving", "next"}));
-    EXPECT_EQ(first.subject(), nullptr);
-    EXPECT_EQ(subject.observerCount(), 1u);
+    EXPECT_EQ(tags(calls), (Tags{"stays", "stays"}));
 }
 
 TEST(Notification, ObserversLeaveOnDestructionAndDetachAll)
 {
     std::vector<Call> calls;
-    Tag tag{&calls, "kept"};
-    Subject subject("leave");
-    Observer kept(subject, "kept");
+    Tag               tag{&calls, "kept"};
+    Subject           subject("leave");
+    Observer          kept(subject, "kept");
     kept.addCallback(record, &tag);
     {
         Observer transient(subject, "transient");
@@ -253,22 +194,20 @@ TEST(Notification, ObserversLeaveOnDestructionAndDetachAll)
     EXPECT_EQ(subject.observerCount(), 0u);
     EXPECT_EQ(kept.subject(), nullptr);
     EXPECT_EQ(other.subject(), nullptr);
-    calls.clear();
-    subject.notify(0.0);
-    EXPECT_TRUE(calls.empty());
 }
 
-TEST(Notification, CopyingAHandlerCopiesNameAndSwitchAndLogs)
+TEST(Notification, CopyingAHandlerCopiesNameAndSwitchAndLogsAtTheLowestLevel)
 {
     LogCapture log;
-    Subject subject("original");
+    Subject    subject("original");
     subject.setEnabled(false);
     Subject copy(subject);
     EXPECT_EQ(copy.name(), "original");
     EXPECT_FALSE(copy.enabled());
     EXPECT_EQ(log.count(copyText, LOG_LOG, "Orvane"), 1) << log.all();
 
-    Subject source("source");
+    Log::the().setLevel(LOG_LOG);  // the capture restores the level
+    Subject  source("source");
     Observer observer(source, "observer");
     Observer observerCopy(observer);
     EXPECT_EQ(observerCopy.name(), "observer");
@@ -276,23 +215,4 @@ TEST(Notification, CopyingAHandlerCopiesNameAndSwitchAndLogs)
     // The copy is not a second entry in the subject's list.
     EXPECT_EQ(observerCopy.subject(), nullptr);
     EXPECT_EQ(source.observerCount(), 1u);
-}
-
-TEST(Notification, CopyLogIsWrittenAtTheLowestLevel)
-{
-    LogCapture log;
-    Log::the().setLevel(LOG_LOG);  // the capture restores the level
-    Subject subject("plain");
-    Subject copy(subject);
-    EXPECT_EQ(log.count(copyText, LOG_LOG), 1) << log.all();
-}
-
-TEST(Notification, NullNameIsEmpty)
-{
-    Subject subject(nullptr);
-    Observer observer(nullptr);
-    EXPECT_EQ(subject.name(), "");
-    EXPECT_EQ(observer.name(), "");
-    EXPECT_TRUE(subject.enabled());
-    EXPECT_TRUE(observer.enabled());
 }

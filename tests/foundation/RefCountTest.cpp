@@ -1,3 +1,4 @@
+// Reference counts, the shutdown step, SmartPtr and the count of live objects.
 #include "base/AttachmentBag.h"
 #include "base/Observer.h"
 #include "base/RefCountObject.h"
@@ -49,42 +50,24 @@ const char* const illegalTransition = "Illegal Transition: RefCount != 0 after s
 
 } // namespace
 
-TEST(RefCount, LastSubRefShutsDownOnceThenDeletes)
+TEST(RefCount, LastSubRefShutsDownOnceThenDeletesAndReleaseOnlyActsOnZero)
 {
     Trace trace;
     auto* probe = new Probe(trace);
     EXPECT_EQ(probe->refCount(), 0);
-
     probe->addRef();
     probe->addRef();
-    EXPECT_EQ(probe->refCount(), 2);
-
     probe->subRef();
-    EXPECT_EQ(probe->refCount(), 1);
-    EXPECT_EQ(trace.shutdowns, 0);
-    EXPECT_FALSE(trace.destroyed);
-
-    probe->subRef();
-    EXPECT_EQ(trace.shutdowns, 1);
-    EXPECT_TRUE(trace.destroyed);
-}
-
-TEST(RefCount, ReleaseOnlyActsOnZero)
-{
-    Trace trace;
-    auto* probe = new Probe(trace);
-    probe->addRef();
-
     probe->release();  // never decrements by itself
     EXPECT_EQ(probe->refCount(), 1);
     EXPECT_EQ(trace.shutdowns, 0);
     EXPECT_FALSE(trace.destroyed);
-
     probe->subRef();
-    ASSERT_TRUE(trace.destroyed);
+    EXPECT_EQ(trace.shutdowns, 1);
+    EXPECT_TRUE(trace.destroyed);
 
-    // An object that was never shared is destroyed through release() on the zero count,
-    // still with its shutdown step.
+    // An object that was never shared is destroyed through release() on the zero count, still
+    // with its shutdown step.
     Trace unshared;
     (new Probe(unshared))->release();
     EXPECT_EQ(unshared.shutdowns, 1);
