@@ -1,3 +1,4 @@
+// Encoding algorithms: the one exception they throw, payload reading, the registry by URI.
 #include "platform/xeltra/EncodedData.h"
 #include "platform/xeltra/EncodingAlgorithm.h"
 #include "platform/xeltra/EncodingAlgorithmException.h"
@@ -124,20 +125,18 @@ TEST(EncodingAlgorithmRegistry, RegistersFindsAndCreatesByURI)
 TEST(EncodingAlgorithmRegistry, AcceptsRegistrationsFromSeveralThreads)
 {
     EncodingAlgorithmRegistry& registry = EncodingAlgorithmRegistry::the();
-    std::vector<std::unique_ptr<Tessil::Thread>> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.push_back(std::make_unique<Tessil::Thread>());
-        threads.back()->start([&registry, t] {
+    auto uri = [](int t, int i) { return "urn:orvane:test:thread:" + std::to_string(t) + ":" + std::to_string(i); };
+    Tessil::Thread threads[4];
+    for (int t = 0; t < 4; ++t)
+        threads[t].start([&registry, &uri, t] {
             for (int i = 0; i < 50; ++i) {
-                std::string uri = "urn:orvane:test:thread:" + std::to_string(t) + ":" + std::to_string(i);
-                registry.addType<OctetAlgorithm>(uri);
-                registry.create(uri);
+                registry.addType<OctetAlgorithm>(uri(t, i));
+                registry.create(uri(t, i));
             }
         });
-    }
     for (auto& thread : threads)
-        thread->join();
+        thread.join();
     for (int t = 0; t < 4; ++t)
         for (int i = 0; i < 50; ++i)
-            EXPECT_TRUE(registry.remove("urn:orvane:test:thread:" + std::to_string(t) + ":" + std::to_string(i)));
+            EXPECT_TRUE(registry.remove(uri(t, i)));
 }

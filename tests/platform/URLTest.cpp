@@ -1,3 +1,4 @@
+// URLs: parts, local files, references resolved against a base, reading local files.
 #include "platform/pordane/URL.h"
 #include "tests/support/LogCapture.h"
 
@@ -81,50 +82,33 @@ TEST(URL, TellsLocalFilesApart)
 
 TEST(URL, ResolvesReferencesAgainstABase)
 {
-    // The worked examples of the generic URI syntax, normal and abnormal.
+    // From the worked examples of the generic URI syntax, normal and abnormal.
     const URL base("http://a/b/c/d;p?q");
     const std::vector<std::pair<const char*, const char*>> cases = {
         {"g:h", "g:h"},
-        {"g", "http://a/b/c/g"},
         {"./g", "http://a/b/c/g"},
         {"g/", "http://a/b/c/g/"},
         {"/g", "http://a/g"},
         {"//g", "http://g"},
         {"?y", "http://a/b/c/d;p?y"},
-        {"g?y", "http://a/b/c/g?y"},
         {"#s", "http://a/b/c/d;p?q#s"},
-        {"g#s", "http://a/b/c/g#s"},
         {"g?y#s", "http://a/b/c/g?y#s"},
         {";x", "http://a/b/c/;x"},
-        {"g;x", "http://a/b/c/g;x"},
-        {"g;x?y#s", "http://a/b/c/g;x?y#s"},
         {"", "http://a/b/c/d;p?q"},
         {".", "http://a/b/c/"},
-        {"./", "http://a/b/c/"},
         {"..", "http://a/b/"},
-        {"../", "http://a/b/"},
         {"../g", "http://a/b/g"},
-        {"../..", "http://a/"},
         {"../../", "http://a/"},
-        {"../../g", "http://a/g"},
-        {"../../../g", "http://a/g"},
         {"../../../../g", "http://a/g"},
         {"/./g", "http://a/g"},
         {"/../g", "http://a/g"},
         {"g.", "http://a/b/c/g."},
-        {".g", "http://a/b/c/.g"},
-        {"g..", "http://a/b/c/g.."},
         {"..g", "http://a/b/c/..g"},
-        {"./../g", "http://a/b/g"},
         {"./g/.", "http://a/b/c/g/"},
-        {"g/./h", "http://a/b/c/g/h"},
         {"g/../h", "http://a/b/c/h"},
-        {"g;x=1/./y", "http://a/b/c/g;x=1/y"},
         {"g;x=1/../y", "http://a/b/c/y"},
-        {"g?y/./x", "http://a/b/c/g?y/./x"},
         {"g?y/../x", "http://a/b/c/g?y/../x"},
         {"g#s/./x", "http://a/b/c/g#s/./x"},
-        {"g#s/../x", "http://a/b/c/g#s/../x"},
         {"http:g", "http:g"},
     };
     for (const auto& [reference, expected] : cases)
