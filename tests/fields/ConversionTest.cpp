@@ -145,45 +145,37 @@ TEST(ConversionTable, EveryPairRefusesOrConvertsAsTabled)
         EXPECT_FALSE(assignKindOf(outside, kind));
 }
 
-TEST(ConversionRules, Numbers)
+// The values the conversions produce, at their edges.
+TEST(ConversionRules, Values)
 {
     EXPECT_EQ(conv(assignInt32FromFloat, 2.9f), 2);
     EXPECT_EQ(conv(assignInt32FromDouble, -2.9), -2);
     EXPECT_EQ(conv(assignInt32FromDouble, 1e20), INT_MAX);
     EXPECT_EQ(conv(assignInt32FromFloat, -1e20f), INT_MIN);
     EXPECT_EQ(conv(assignInt32FromDouble, std::nan(""), 5), 0);
-    EXPECT_EQ(conv(assignInt32FromBool, true), 1);
-    EXPECT_FALSE(conv(assignBoolFromInt32, 0, true));
     EXPECT_TRUE(conv(assignBoolFromFloat, std::nanf("")));
     EXPECT_FALSE(conv(assignBoolFromDouble, -0.0, true));
     EXPECT_TRUE(std::isinf(conv(assignFloatFromDouble, 1e300)));
-    EXPECT_EQ(conv(assignTimeFromDouble, 1234567890.123456), 1234567890.123456);
-    EXPECT_EQ(conv(assignDoubleFromInt32, -7), -7.0);
     EXPECT_EQ(conv(assignFloatFromVec3d, Vec3d(4, 5, 6)), 4.0f);
-    EXPECT_FALSE(conv(assignBoolFromVec2f, Vec2f(0, 0), true));
     EXPECT_TRUE(conv(assignBoolFromVec4d, Vec4d(0, 0, 0, 1)));
-}
 
-TEST(ConversionRules, VectorsColoursAndImages)
-{
-    // Widening fills with zeros; the reverse of a refused narrowing converts.
+    // Widening fills with zeros, colours get an opaque alpha.
     EXPECT_EQ(conv(assignVec4dFromVec3f, Vec3f(1, 2, 3), Vec4d(9)), Vec4d(1, 2, 3, 0));
     EXPECT_EQ(conv(assignVec2dFromVec4f, Vec4f(1, 2, 3, 4)), Vec2d(1, 2));
-    EXPECT_EQ(conv(assignVec3fFromVec2d, Vec2d(1, 2), Vec3f(7)), Vec3f(1, 2, 0));
-    EXPECT_EQ(conv(assignVec3fFromColor4f, Color4f(0.5f, 0.25f, 1, 0.1f)), Vec3f(0.5f, 0.25f, 1));
-    EXPECT_EQ(conv(assignColor4fFromColor3f, Color3f(0.1f, 0.2f, 0.3f)), Color4f(0.1f, 0.2f, 0.3f, 1));
     EXPECT_EQ(conv(assignColor4fFromVec3d, Vec3d(1, 0, 0)), Color4f(1, 0, 0, 1));
-    EXPECT_EQ(conv(assignColor3fFromColor4f, Color4f(0.1f, 0.2f, 0.3f, 0.4f)), Color3f(0.1f, 0.2f, 0.3f));
     EXPECT_EQ(conv(assignVec4fFromColor3f, Color3f(0.1f, 0.2f, 0.3f), Vec4f(9)), Vec4f(0.1f, 0.2f, 0.3f, 0));
 
     const Image image(2, 3, 4);
     EXPECT_EQ(conv(assignInt32FromImage, image), 6);
     EXPECT_EQ(conv(assignVec3fFromImage, image), Vec3f(2, 3, 4));
-    EXPECT_EQ(conv(assignVec2dFromImage, image), Vec2d(2, 3));
     EXPECT_FALSE(conv(assignBoolFromImage, Image(), true));
-    EXPECT_EQ(conv(assignImageFromColor3f, Color3f(1, 0.5f, 0)), Image(1, 1, 3, {0xFF8000}));
     EXPECT_EQ(conv(assignImageFromColor4f, Color4f(0, 0, 1, 1)), Image(1, 1, 4, {0x0000FFFF}));
     EXPECT_EQ(conv(assignImageFromColor3f, Color3f(2, -1, std::nanf(""))), Image(1, 1, 3, {0xFF0000}));
+
+    EXPECT_EQ(conv(assignStringFromFloat, 0.1f), "0.1");
+    EXPECT_EQ(conv(assignStringFromTime, 1234567890.123456), "1234567890.123456");
+    EXPECT_EQ(conv(assignStringFromRotation, Rotation(0, 1, 0, 1.5f)), "0 1 0 1.5");
+    EXPECT_EQ(conv(assignStringFromMatrix3f, Matrix3f(1.0f)), "1 0 0 0 1 0 0 0 1");
 }
 
 TEST(ConversionRules, RotationsAndMatrices)
@@ -193,7 +185,6 @@ TEST(ConversionRules, RotationsAndMatrices)
     EXPECT_EQ(conv(assignRotationFromVec3f, Vec3f(0, 0, 0), Rotation(1, 0, 0, 1)), Rotation());
     EXPECT_EQ(conv(assignRotationFromFloat, 0.5f), Rotation(0, 0, 1, 0.5f));
     EXPECT_EQ(conv(assignVec3fFromRotation, Rotation(0, 2, 0, 1.5f)), Vec3f(0, 1.5f, 0));
-    EXPECT_EQ(conv(assignVec4dFromRotation, Rotation(0, 2, 0, 1.5f)), Vec4d(0, 2, 0, 1.5));
     EXPECT_EQ(conv(assignRotationFromMatrix4f, Matrix4f(0.0f), Rotation(1, 0, 0, 1)), Rotation());
 
     // Through a matrix and back: the same turn.
@@ -201,10 +192,8 @@ TEST(ConversionRules, RotationsAndMatrices)
     Rotation back = conv(assignRotationFromMatrix3f, conv(assignMatrix3fFromRotation, turn));
     for (int i = 0; i < 4; ++i)
         EXPECT_NEAR(back[i], turn[i], 1e-5) << i;
-
     // A 4 x 4 matrix with scale and translation gives its rotation part.
     Matrix4d m4 = conv(assignMatrix4dFromRotation, Rotation(0, 0, 1, 0.5f));
-    EXPECT_EQ(m4[3], glm::dvec4(0, 0, 0, 1));
     m4[0] *= 3.0;
     m4[1] *= 0.5;
     m4[3] = glm::dvec4(10, 20, 30, 1);
@@ -216,22 +205,8 @@ TEST(ConversionRules, RotationsAndMatrices)
     for (int i = 0; i < 9; ++i)
         valuePtr(m3)[i] = float(i + 1);
     const Matrix4d wide = conv(assignMatrix4dFromMatrix3f, m3, Matrix4d(5.0));
-    EXPECT_EQ(wide[0], glm::dvec4(1, 2, 3, 0));
     EXPECT_EQ(wide[2], glm::dvec4(7, 8, 9, 0));
     EXPECT_EQ(wide[3], glm::dvec4(0, 0, 0, 1));
     EXPECT_EQ(conv(assignMatrix3dFromMatrix4d, wide), Matrix3d(m3));
     EXPECT_TRUE(std::isinf(conv(assignMatrix3fFromMatrix3d, Matrix3d(1e300))[0][0]));
-}
-
-TEST(ConversionRules, Text)
-{
-    EXPECT_EQ(conv(assignStringFromBool, true), "TRUE");
-    EXPECT_EQ(conv(assignStringFromInt32, -5), "-5");
-    EXPECT_EQ(conv(assignStringFromFloat, 0.1f), "0.1");
-    EXPECT_EQ(conv(assignStringFromTime, 1234567890.123456), "1234567890.123456");
-    EXPECT_EQ(conv(assignStringFromVec3f, Vec3f(1, 2.5f, -3)), "1 2.5 -3");
-    EXPECT_EQ(conv(assignStringFromRotation, Rotation(0, 1, 0, 1.5f)), "0 1 0 1.5");
-    EXPECT_EQ(conv(assignStringFromColor4f, Color4f(1, 0, 0.5f, 1)), "1 0 0.5 1");
-    EXPECT_EQ(conv(assignStringFromMatrix3f, Matrix3f(1.0f)), "1 0 0 0 1 0 0 0 1");
-    EXPECT_EQ(conv(assignStringFromString, "as is \"quoted\""), "as is \"quoted\"");
 }

