@@ -1,3 +1,4 @@
+// Routes: duplicates, type checks, hooks and subjects, scope marks, listing, logs.
 #include "base/Context.h"
 #include "base/EventInSlot.h"
 #include "base/EventOutSlot.h"
@@ -233,17 +234,6 @@ TEST_F(RouteTest, DumpNamesTheTypeAndBothSlots)
     EXPECT_STREQ(Route::typeName(8), "IMPORT");
     EXPECT_STREQ(Route::typeName(4), "IS");
     EXPECT_STREQ(Route::typeName(9), "INVALID");
-}
-
-TEST_F(RouteTest, ForceParameterIsRegistered)
-{
-    NodePartDesc* desc = Context::paramDesc(Route::forceSingleDataTypeRouteParam());
-    ASSERT_NE(desc, nullptr);
-    EXPECT_EQ(desc->name(), "forceSingleDataTypeRoute");
-    EXPECT_EQ(desc->dataType(), SFBoolType);
-    EXPECT_EQ(desc->defaultValue(), "FALSE");
-    EXPECT_EQ(desc->group(), "Route");
-    EXPECT_EQ(desc->description(), "force routes to connect only slots with same type");
 }
 
 } // namespace
