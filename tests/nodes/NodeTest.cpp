@@ -32,40 +32,18 @@ struct NodeTest : ::testing::Test {
 
 } // namespace
 
-TEST_F(NodeTest, NamesIDTextsAndRenaming)
+// Lookup by name and ID text is in the namespace tests.
+TEST_F(NodeTest, IDTextsAddressesAndTheIDMap)
 {
     SmartPtr<Node> named = scope.make("Thing", "Named"), unnamed = scope.make("Thing");
     EXPECT_EQ(named->getIDStr(), "Named");
-    EXPECT_FALSE(unnamed->hasName());
-    EXPECT_EQ(unnamed->getIDStr(), "#" + std::to_string(unnamed->ID()));
-    EXPECT_EQ(Node::parseIDStr(unnamed->getIDStr()), unnamed->ID());
     EXPECT_EQ(Node::parseIDStr("#12x"), 0u);
     EXPECT_EQ(Node::parseIDStr("12"), 0u);
-
-    // The namespace finds unnamed nodes by their ID text.
-    EXPECT_EQ(scope.nodes().findNode(unnamed->getIDStr()), unnamed.get());
-    EXPECT_EQ(scope.nodes().findNode(" Named\t"), named.get());
-    LogCapture log;
-    EXPECT_EQ(scope.nodes().findNode("#999999999999"), nullptr);
-    EXPECT_EQ(log.count("Unknown node id: >#999999999999<, >999999999999<\n"), 1) << log.all();
-    EXPECT_EQ(scope.nodes().findNode(" \t"), nullptr);
-    EXPECT_EQ(log.count("Invalid param (empty name) for findNode()\n"), 1);
     std::string address;
     EXPECT_TRUE(named->fillAbsolutAddress(address));
     EXPECT_EQ(address, "test::Named");
     EXPECT_FALSE(unnamed->hasAbsolutAddress());
 
-    // A taken name keeps the old one.
-    SmartPtr<Node> b = scope.make("Thing", "B");
-    EXPECT_FALSE(b->rename("Named"));
-    EXPECT_EQ(log.count("Can not rename() node to Named, name already give\n", LOG_WARNING), 1) << log.all();
-    EXPECT_EQ(scope.nodes().findNode("Named"), named.get());
-    EXPECT_EQ(scope.nodes().findNode("B"), b.get());
-    EXPECT_TRUE(b->rename("C"));
-    EXPECT_EQ(scope.nodes().findNode("C"), b.get());
-    EXPECT_EQ(scope.nodes().findNode("B"), nullptr);
-
-    // The ID map follows the nodes.
     const std::uint64_t id = unnamed->ID();
     EXPECT_EQ(Node::findNode(id), unnamed.get());
     unnamed = nullptr;

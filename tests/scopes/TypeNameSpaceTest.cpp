@@ -1,3 +1,4 @@
+// Type namespaces: hiding, scoped and numeric addresses, case, registration and references.
 #include "base/Node.h"
 #include "base/NodeNameSpace.h"
 #include "base/NodePartDesc.h"
@@ -44,15 +45,11 @@ TEST_F(TypeNameSpaceTest, InnerTypesHideOuterOnesUntilTheyGo)
 {
     NodeType& outer = declare(*a, "Foo");
     EXPECT_EQ(NodeTypeNameSpace::findType(b.get(), "Foo"), &outer);
-    auto inner = std::make_unique<NodeType>(*b, "Foo", "Test", "Node", nullptr, "1.0", "Test", nullptr, "stable",
-                                            nullptr, "Orvane", false, false, &Node::isNodeType, &Node::createNode,
-                                            &Node::createProc, nullptr, 0);
-    EXPECT_EQ(NodeTypeNameSpace::findType(b.get(), "Foo"), inner.get());
+    NodeType& inner = declare(*b, "Foo");
+    EXPECT_EQ(NodeTypeNameSpace::findType(b.get(), "Foo"), &inner);
     EXPECT_EQ(NodeTypeNameSpace::findType(a.get(), "Foo"), &outer);
-    EXPECT_EQ(b->findLocalType("Foo"), inner.get());
-    EXPECT_EQ(a->findLocalType("Bar"), nullptr);
-    EXPECT_EQ(&inner->nameSpace(), b.get());
-    inner.reset();
+    EXPECT_EQ(b->findLocalType("Foo"), &inner);
+    types.pop_back();
     EXPECT_EQ(NodeTypeNameSpace::findType(b.get(), "Foo"), &outer);
     // Native types are reached from every scope.
     EXPECT_EQ(NodeTypeNameSpace::findType(b.get(), "Node"), &Node::classType());
@@ -93,7 +90,6 @@ TEST_F(TypeNameSpaceTest, CaseInsensitiveSearch)
         EXPECT_EQ(NodeTypeNameSpace::findType(b.get(), spelling, CaseInsensitive), &transform) << spelling;
     EXPECT_EQ(NodeTypeNameSpace::findType(b.get(), "Transform", CaseSensitive), &transform);
     EXPECT_EQ(NodeTypeNameSpace::findType(b.get(), "transform", CaseSensitive), nullptr);
-    EXPECT_EQ(NodeTypeNameSpace::findType(b.get(), "TRANSFORM", CaseSensitive), nullptr);
     EXPECT_EQ(a->findLocalType("TRANSFORM", CaseInsensitive), &transform);
 }
 
@@ -121,7 +117,6 @@ TEST_F(TypeNameSpaceTest, RegistrationAndRoots)
     EXPECT_EQ(log.count("Root NodeTypeNameSpace without name\n"), 1);
     EXPECT_EQ(NodeTypeNameSpace::nameSpaceCount(), count + 3);
     EXPECT_EQ(NodeTypeNameSpace::findAbsolutNameSpace("scopesTestRoot"), root.get());
-    EXPECT_EQ(NodeTypeNameSpace::findNameSpace(root->ID()), root.get());
     std::vector<NodeTypeNameSpace*> roots;
     NodeTypeNameSpace::getNameSpaceVec(roots, true);
     EXPECT_NE(std::find(roots.begin(), roots.end(), root.get()), roots.end());
@@ -131,9 +126,6 @@ TEST_F(TypeNameSpaceTest, RegistrationAndRoots)
     EXPECT_EQ(log.count("Cannot loop Namespaces\n"), 1);
     EXPECT_EQ(b->parent(), a.get());
 
-    std::vector<NodeType*> local;
-    EXPECT_EQ(a->getTypeVec(local), 1) << "the later Twice took the name";
-    EXPECT_EQ(a->typeCount(), 1u);
     log.clear();
     a->dump();
     EXPECT_EQ(log.count("NTNS: a, parent: base, types: 1\n", LOG_LOG), 1) << log.all();
