@@ -273,10 +273,9 @@ TEST_F(EventSlotTest, EventLogLinesFollowTheNodeFeatures)
     EXPECT_EQ(log.count("Ev/Ev/P/noPro ReceiveEvent on value: 2.000000/1.25\n", LOG_LOG), 1) << log.all();
     // The lines name the operation they report for.
     for (const LogCapture::Entry& e : log.entries()) {
-        if (e.text.find("ReceiveEvent on") != std::string::npos)
-            EXPECT_NE(e.function.find("EventInSlot::receiveEvent"), std::string::npos) << e.function;
-        if (e.text.find("SendEvent on") != std::string::npos)
-            EXPECT_NE(e.function.find("EventOutSlot::sendEvent"), std::string::npos) << e.function;
+        const bool receive = e.text.find("ReceiveEvent on") != std::string::npos;
+        EXPECT_NE(e.function.find(receive ? "EventInSlot::receiveEvent" : "EventOutSlot::sendEvent"), std::string::npos)
+            << e.function;
         EXPECT_EQ(e.source, e.text.find("Receive") != std::string::npos ? "base/EventInSlot" : "base/EventOutSlot");
     }
     // B has no eventOut feature, A no eventIn one.

@@ -24,31 +24,29 @@ void LogCapture::write(const LogRecord& r)
                         std::string(r.text)});
 }
 
-int LogCapture::count(const std::string& text) const
+template <class Match>
+int LogCapture::countIf(Match match) const
 {
     std::lock_guard guard(_lock);
-    int n = 0;
+    int             n = 0;
     for (const auto& e : _entries)
-        n += e.text == text;
+        n += match(e);
     return n;
+}
+
+int LogCapture::count(const std::string& text) const
+{
+    return countIf([&](const Entry& e) { return e.text == text; });
 }
 
 int LogCapture::count(const std::string& text, LogLevel level, const std::string& module) const
 {
-    std::lock_guard guard(_lock);
-    int n = 0;
-    for (const auto& e : _entries)
-        n += e.text == text && e.level == level && e.module == module;
-    return n;
+    return countIf([&](const Entry& e) { return e.text == text && e.level == level && e.module == module; });
 }
 
 bool LogCapture::containsFragment(const std::string& fragment) const
 {
-    std::lock_guard guard(_lock);
-    for (const auto& e : _entries)
-        if (e.text.find(fragment) != std::string::npos)
-            return true;
-    return false;
+    return countIf([&](const Entry& e) { return e.text.find(fragment) != std::string::npos; }) > 0;
 }
 
 std::vector<LogCapture::Entry> LogCapture::entries() const

@@ -43,6 +43,9 @@ public:
     std::string all() const;
 
 private:
+    template <class Match>
+    int countIf(Match match) const;
+
     mutable std::mutex _lock;
     std::vector<Entry> _entries;
     LogLevel           _oldLevel;
