@@ -174,9 +174,9 @@ TEST(NodePartDescTest, IsLinksAndDump)
 
     LogCapture log;
     p.desc.dump();
-    for (const char* label : {"NodePartDesc:       part\n", "  Mask value:       128\n", "  partType:         field\n",
-                              "  dataType:         SFFloat\n", "  valueType:        [0,1]\n",
-                              "  isLinkMap size:   2\n"})
+    for (const char* label : {"NodePartDesc:       part\n", "  ID:               7\n", "  Mask value:       128\n",
+                              "  partType:         field\n", "  dataType:         SFFloat\n",
+                              "  valueType:        [0,1]\n", "  group:             \n", "  isLinkMap size:   2\n"})
         EXPECT_EQ(log.count(label, LOG_LOG), 1) << label << log.all();
     EXPECT_EQ(log.size(), 21u);
 }
