@@ -231,10 +231,24 @@ TEST_F(FieldTextTest, FloatValidationTakesOnlyOneFiniteNumber)
 
 TEST_F(FieldTextTest, NumberTextIgnoresTheProcessLocale)
 {
-    bool comma = false;
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "fr_FR.utf8"})
-        if (!comma && std::setlocale(LC_ALL, name))
-            comma = std::strtod("1,5", nullptr) == 1.5;
+    auto trySwitch = [] {
+        bool comma = false;
+        for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "fr_FR.utf8"})
+            if (!comma && std::setlocale(LC_ALL, name))
+                comma = std::strtod("1,5", nullptr) == 1.5;
+        return comma;
+    };
+    bool comma = trySwitch();
+    if (!comma) {
+        // No such locale installed: build one from the locale sources, where the machine has them.
+        const std::string dir = ::testing::TempDir() + "orvane-locales";
+        const std::string build = "mkdir -p " + dir + " && localedef -i de_DE -f UTF-8 " + dir +
+                                  "/de_DE.UTF-8 >/dev/null 2>&1";
+        if (std::system(build.c_str()) == 0) {
+            setenv("LOCPATH", dir.c_str(), 1);
+            comma = trySwitch();
+        }
+    }
     if (!comma) {
         std::setlocale(LC_ALL, "C");
         GTEST_SKIP() << "no locale with a decimal comma is installed";
