@@ -5,6 +5,7 @@
 #include "base/EventOutSlot.h"
 #include "base/Field.h"
 #include "base/Log.h"
+#include "base/NameText.h"
 #include "base/Node.h"
 #include "base/NodeType.h"
 #include "base/NodeTypeNameSpace.h"
@@ -17,16 +18,6 @@
 namespace Orvane {
 
 namespace {
-
-std::string trim(const std::string& text)
-{
-    static const char* const blanks = " \t\r\n";
-    auto first = text.find_first_not_of(blanks);
-    if (first == std::string::npos)
-        return std::string();
-    auto last = text.find_last_not_of(blanks);
-    return text.substr(first, last - first + 1);
-}
 
 const char* orNull(const char* text)
 {
@@ -314,7 +305,7 @@ Node* NodeNameSpace::lookupName(const std::string& key, bool& imported) const
 
 Node* NodeNameSpace::findNode(const std::string& name) const
 {
-    std::string key = trim(name);
+    std::string key = NameText::trim(name);
     if (key.empty()) {
         ORV_WARNING("Invalid param (empty name) for findNode()\n");
         return nullptr;
@@ -469,7 +460,7 @@ Node* NodeNameSpace::routeNode(const std::string& name, bool create, bool& isCon
 {
     isContextRoot = false;
     imported = false;
-    std::string key = trim(name);
+    std::string key = NameText::trim(name);
     if (key.empty() || Node::parseIDStr(key))
         return findNode(key);
     if (Node* node = lookupName(key, imported))
@@ -576,7 +567,7 @@ bool NodeNameSpace::deleteRoute(const char* fromNodeName, const char* fromFieldN
 
 bool NodeNameSpace::exportNode(const std::string& localName, const std::string& exportName)
 {
-    Node* node = localNode(trim(localName));
+    Node* node = localNode(NameText::trim(localName));
     if (!node) {
         ORV_WARNING("Import/Export error: cannot find node\n");
         return false;
@@ -669,7 +660,7 @@ bool NodeNameSpace::importNode(NodeNameSpace& from, const std::string& exportNam
 
 bool NodeNameSpace::importNode(const std::string& from, const std::string& exportName, const std::string& localName)
 {
-    NodeNameSpace* exporter = findNameSpace(trim(from));
+    NodeNameSpace* exporter = findNameSpace(NameText::trim(from));
     if (!exporter) {
         ORV_WARNING("Import/Export error: missing export description\n");
         return false;

@@ -4,6 +4,7 @@
 #include "base/Context.h"
 #include "base/Field.h"
 #include "base/Log.h"
+#include "base/NameText.h"
 #include "base/MFNode.h"
 #include "base/NodeNameSpace.h"
 #include "base/NodePartDesc.h"
@@ -35,13 +36,6 @@ TypeRegistry& registry()
 std::string text(const char* t)
 {
     return t ? std::string(t) : std::string();
-}
-
-std::string toLower(std::string s)
-{
-    for (char& c : s)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return s;
 }
 
 // The copy of the map that the walks work on, taken under the mutex.
@@ -538,7 +532,7 @@ Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator cre
             nodeName = pieces[1];
             ORV_INFO("ContextRoot NameSpace: %s, Name: %s\n", nsName.c_str(), nodeName.c_str());
         } else {
-            nsName = toLower(_name);
+            nsName = NameText::toLower(_name);
         }
         ownNameSpace = new NodeNameSpace(nsName.c_str(), nullptr, _nameSpace);
         ns = ownNameSpace.get();

@@ -1,6 +1,7 @@
 #include "base/NodeTypeNameSpace.h"
 
 #include "base/Log.h"
+#include "base/NameText.h"
 #include "base/NodeType.h"
 #include "base/Subject.h"
 
@@ -25,23 +26,6 @@ Registry& registry()
 {
     static Registry& r = *new Registry;
     return r;
-}
-
-std::string toLower(std::string text)
-{
-    for (char& c : text)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
-}
-
-std::string trim(const std::string& text)
-{
-    static const char* const blanks = " \t\r\n";
-    auto first = text.find_first_not_of(blanks);
-    if (first == std::string::npos)
-        return std::string();
-    auto last = text.find_last_not_of(blanks);
-    return text.substr(first, last - first + 1);
 }
 
 std::vector<std::string> splitScopes(const std::string& address)
@@ -156,7 +140,7 @@ void NodeTypeNameSpace::regType(NodeType& type)
     if (type.isProto() && !type.isAliasOf() && !_firstProto)
         _firstProto = &type;
     _typeMap[type.name()] = &type;
-    _lowerTypeMap[toLower(type.name())] = &type;
+    _lowerTypeMap[NameText::toLower(type.name())] = &type;
     type._nameSpace = this;
 }
 
@@ -193,14 +177,14 @@ NodeType* NodeTypeNameSpace::findLocalType(const std::string& name, SearchCaseTy
         auto found = _typeMap.find(name);
         return found == _typeMap.end() ? nullptr : found->second;
     }
-    auto found = _lowerTypeMap.find(toLower(name));
+    auto found = _lowerTypeMap.find(NameText::toLower(name));
     return found == _lowerTypeMap.end() ? nullptr : found->second;
 }
 
 NodeType* NodeTypeNameSpace::findType(const NodeTypeNameSpace* start, const std::string& address,
                                       SearchCaseType searchCase)
 {
-    std::string trimmed = trim(address);
+    std::string trimmed = NameText::trim(address);
     if (trimmed.empty()) {
         ORV_WARNING("Invalid param (empty address) for findType()\n");
         return nullptr;
@@ -219,7 +203,7 @@ NodeType* NodeTypeNameSpace::findType(const NodeTypeNameSpace* start, const std:
         return NodeType::findType(static_cast<unsigned>(std::strtoul(trimmed.c_str(), nullptr, 10)));
     }
     if (searchCase != CaseSensitive)
-        name = toLower(name);
+        name = NameText::toLower(name);
     for (const NodeTypeNameSpace* ns = start; ns; ns = ns->_parent) {
         const TypeMap& map = searchCase == CaseSensitive ? ns->_typeMap : ns->_lowerTypeMap;
         auto found = map.find(name);
@@ -231,7 +215,7 @@ NodeType* NodeTypeNameSpace::findType(const NodeTypeNameSpace* start, const std:
 
 NodeType* NodeTypeNameSpace::findAbsolutType(const std::string& address, SearchCaseType searchCase)
 {
-    std::string trimmed = trim(address);
+    std::string trimmed = NameText::trim(address);
     if (trimmed.find("::") == std::string::npos) {
         // A plain name from the roots: the native types.
         if (trimmed.empty() || std::isdigit(static_cast<unsigned char>(trimmed[0])))
@@ -251,7 +235,7 @@ NodeTypeNameSpace* NodeTypeNameSpace::findChild(const std::string& name) const
 
 NodeTypeNameSpace* NodeTypeNameSpace::findNameSpace(const std::string& address) const
 {
-    std::vector<std::string> parts = splitScopes(trim(address));
+    std::vector<std::string> parts = splitScopes(NameText::trim(address));
     if (parts.empty() || parts[0].empty())
         return findAbsolutNameSpace(address);
     // The first scope is looked for as this one, its children, then the same climbing up.
@@ -271,7 +255,7 @@ NodeTypeNameSpace* NodeTypeNameSpace::findNameSpace(const std::string& address) 
 
 NodeTypeNameSpace* NodeTypeNameSpace::findAbsolutNameSpace(const std::string& address)
 {
-    std::vector<std::string> parts = splitScopes(trim(address));
+    std::vector<std::string> parts = splitScopes(NameText::trim(address));
     std::size_t first = 0;
     while (first < parts.size() && parts[first].empty())
         ++first;
@@ -308,7 +292,7 @@ NodeType* NodeTypeNameSpace::refType(const NodeType& type, const char* name)
         return known == &type ? known : nullptr;
     auto* t = const_cast<NodeType*>(&type);
     _typeMap[key] = t;
-    _lowerTypeMap[toLower(key)] = t;
+    _lowerTypeMap[NameText::toLower(key)] = t;
     return t;
 }
 
