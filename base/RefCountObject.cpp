@@ -6,9 +6,13 @@ namespace Orvane {
 
 void RefCountObject::release() const
 {
-    if (_refCount != 0)
+    // A reference taken and dropped again while the object shuts down brings the count back to
+    // zero inside shutdown(): the release already under way finishes the job, not this one.
+    if (_refCount != 0 || _shuttingDown)
         return;
+    _shuttingDown = true;
     shutdown();
+    _shuttingDown = false;
     if (_refCount == 0) {
         delete this;
         return;

@@ -30,6 +30,7 @@ protected:
 
 private:
     mutable std::int32_t _refCount = 0;
+    mutable bool         _shuttingDown = false;
 };
 
 } // namespace Orvane

@@ -18,6 +18,7 @@ struct Trace {
     int  shutdowns = 0;
     bool destroyed = false;
     bool resurrect = false;  // take a new reference from inside shutdown()
+    bool borrow = false;     // take a reference and drop it again inside shutdown()
 };
 
 class Probe : public RefCountObject {
@@ -32,6 +33,8 @@ protected:
         EXPECT_FALSE(_trace.destroyed);
         if (_trace.resurrect)
             addRef();
+        if (_trace.borrow)
+            SmartPtr<const Probe> again(this);  // back to zero when it goes
     }
 
 private:
@@ -94,6 +97,19 @@ TEST(RefCount, ShutdownThatTakesAReferenceKeepsTheObject)
     EXPECT_EQ(trace.shutdowns, 2);
     EXPECT_TRUE(trace.destroyed);
     EXPECT_EQ(log.count(illegalTransition), 1);
+}
+
+// Someone who looks at the object during its shutdown and lets go again must not start a second
+// end of life: the object is shut down and deleted once.
+TEST(RefCount, ReferenceBorrowedDuringShutdownDoesNotReleaseTwice)
+{
+    Trace trace;
+    trace.borrow = true;
+    auto* probe = new Probe(trace);
+    probe->addRef();
+    probe->subRef();
+    EXPECT_EQ(trace.shutdowns, 1);
+    EXPECT_TRUE(trace.destroyed);
 }
 
 TEST(RefCount, DestructorReportsReferencesStillHeld)
