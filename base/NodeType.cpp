@@ -164,9 +164,12 @@ NodeType::~NodeType()
         _parentNodeType->_derivedNodeTypeList.remove(this);
     for (NodeType* child : _derivedNodeTypeList)
         child->_parentNodeType = nullptr;
-    for (NodeType* other : others)
+    for (NodeType* other : others) {
         if (other->_defaultDescendant == this)
             other->_defaultDescendant = nullptr;
+        auto& extra = other->_additionalParents;
+        extra.erase(std::remove(extra.begin(), extra.end(), this), extra.end());
+    }
 }
 
 // --- queries ---
@@ -229,6 +232,47 @@ bool NodeType::isA(const NodeType& other) const
         if (t == &other)
             return true;
     return false;
+}
+
+bool NodeType::isKindOf(const NodeType& other) const
+{
+    // The additional parents form no cycle (initType refuses one), so the recursion ends.
+    for (const NodeType* t = this; t; t = t->_parentNodeType) {
+        if (t == &other)
+            return true;
+        for (const NodeType* extra : t->_additionalParents)
+            if (extra->isKindOf(other))
+                return true;
+    }
+    return false;
+}
+
+std::int32_t NodeType::kindDistance(const NodeType& other) const
+{
+    std::int32_t best = -1;
+    std::int32_t distance = 0;
+    for (const NodeType* t = this; t && (best < 0 || distance < best); t = t->_parentNodeType, ++distance) {
+        if (t == &other)
+            return distance;
+        for (const NodeType* extra : t->_additionalParents) {
+            std::int32_t via = extra->kindDistance(other);
+            if (via >= 0 && (best < 0 || distance + 1 + via < best))
+                best = distance + 1 + via;
+        }
+    }
+    return best;
+}
+
+void NodeType::addAdditionalParent(const char* name)
+{
+    if (name && *name)
+        _additionalNames.emplace_back(name);
+}
+
+void NodeType::addPartAlias(const char* alias, const char* partName)
+{
+    if (alias && *alias && partName && *partName)
+        _partAliases.emplace_back(alias, partName);
 }
 
 bool NodeType::isAGenericGroupNode() const
@@ -316,6 +360,7 @@ int NodeType::initType(bool force)
     _inSlotMap.clear();
     _outSlotMap.clear();
     _logFeatureMask.reset();
+    _additionalParents.clear();
 
     int failures = 0;
     if (!_parentName.empty()) {
@@ -365,8 +410,44 @@ int NodeType::initType(bool force)
         if (!desc->outSlotName().empty())
             _outSlotMap.emplace(desc->outSlotName(), desc);
     }
+    for (const auto& [alias, partName] : _partAliases) {
+        NodePartDesc* desc = findPart(partName);
+        if (!desc || findPart(alias)) {
+            ORV_WARNING("%s: Can not make %s an alias of %s\n", _name.c_str(), alias.c_str(), partName.c_str());
+            ++failures;
+            continue;
+        }
+        // The alias answers with the slot names its access type gives, the real names come first.
+        if (desc->holdsField())
+            _fieldMap.emplace(alias, desc);
+        if (desc->partType() == ExposedFieldPartType) {
+            _inSlotMap.emplace("set_" + alias, desc);
+            _outSlotMap.emplace(alias + "_changed", desc);
+        } else if (desc->hasInSlot()) {
+            _inSlotMap.emplace(alias, desc);
+        } else if (desc->hasOutSlot()) {
+            _outSlotMap.emplace(alias, desc);
+        }
+    }
     if (!_descVec.empty() && _descVec[0] && _descVec[0]->ownerType() == &Node::classType())
         _logFeatureMask = _descVec[0]->mask();
+
+    for (const std::string& extraName : _additionalNames) {
+        NodeType* extra = NodeTypeNameSpace::findType(_nameSpace, extraName, CaseSensitive);
+        if (!extra) {
+            ORV_FATAL("Can't find NodeType for %s, additional parent of %s\n", extraName.c_str(), _name.c_str());
+            ++failures;
+            continue;
+        }
+        failures += extra->initType(false);
+        if (extra->isKindOf(*this)) {
+            ORV_FATAL("%s can not be an additional parent of %s: it is a kind of it\n", extraName.c_str(),
+                      _name.c_str());
+            ++failures;
+            continue;
+        }
+        _additionalParents.push_back(extra);
+    }
 
     if (!_defaultDescendantOf.empty()) {
         NodeType* abstract = NodeTypeNameSpace::findType(_nameSpace, _defaultDescendantOf, CaseSensitive);
