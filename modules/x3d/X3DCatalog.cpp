@@ -53,6 +53,14 @@ void forEachName(const char* list, Each each)
     }
 }
 
+unsigned kindCount(X3DTable::TypeKind kind)
+{
+    unsigned count = 0;
+    for (unsigned i = 0; i < X3DTable::typeCount; ++i)
+        count += X3DTable::types[i].kind == kind;
+    return count;
+}
+
 } // namespace
 
 X3DCatalog::X3DCatalog(NodeTypeNameSpace& nameSpace) : _nameSpace(&nameSpace)
@@ -107,16 +115,18 @@ X3DCatalog::X3DCatalog(NodeTypeNameSpace& nameSpace) : _nameSpace(&nameSpace)
         _index.emplace(type, i);
         _types.emplace_back(type);
     }
-    for (const auto& alias : vrml97Aliases)
-        if (NodeType* type = NodeTypeNameSpace::findType(_nameSpace, alias.type, CaseSensitive))
-            type->addPartAlias(alias.alias, alias.field);
+    for (const auto& alias : vrml97Aliases) {
+        auto found = row.find(alias.type);
+        if (found != row.end())
+            _types[found->second]->addPartAlias(alias.alias, alias.field);
+    }
     for (const SmartPtr<NodeType>& type : _types)
         _failures += type->initType(false);
     if (_failures)
         ORV_WARNING("X3D catalog: %d failures while completing its types\n", _failures);
 }
 
-// The types go first: they point into the descriptor block.
+// The types go first, the most derived first: they point into the descriptor block.
 X3DCatalog::~X3DCatalog()
 {
     _index.clear();
@@ -132,26 +142,17 @@ X3DCatalog& X3DCatalog::init()
 
 unsigned X3DCatalog::concreteTypeCount() const
 {
-    unsigned count = 0;
-    for (unsigned i = 0; i < X3DTable::typeCount; ++i)
-        count += X3DTable::types[i].kind == X3DTable::Concrete;
-    return count;
+    return kindCount(X3DTable::Concrete);
 }
 
 unsigned X3DCatalog::abstractNodeTypeCount() const
 {
-    unsigned count = 0;
-    for (unsigned i = 0; i < X3DTable::typeCount; ++i)
-        count += X3DTable::types[i].kind == X3DTable::AbstractNode;
-    return count;
+    return kindCount(X3DTable::AbstractNode);
 }
 
 unsigned X3DCatalog::abstractObjectTypeCount() const
 {
-    unsigned count = 0;
-    for (unsigned i = 0; i < X3DTable::typeCount; ++i)
-        count += X3DTable::types[i].kind == X3DTable::AbstractObject;
-    return count;
+    return kindCount(X3DTable::AbstractObject);
 }
 
 const char* X3DCatalog::containerField(const NodeType& type) const
