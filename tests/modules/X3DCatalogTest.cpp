@@ -121,7 +121,8 @@ TEST_F(X3DCatalogTest, FieldsMatchTheStandard)
         {"Material", "shininess", ExposedFieldPartType, SFFloatType, "0.2", "[0,1]", RangeRestriction},
         {"TimeSensor", "cycleInterval", ExposedFieldPartType, SFTimeType, "1.0", "[0,inf)", NoRestriction},
         {"TimeSensor", "loop", ExposedFieldPartType, SFBoolType, "FALSE", "", NoRestriction},
-        {"TimeSensor", "fraction_changed", EventOutPartType, SFFloatType, "", "", NoRestriction},
+        {"TimeSensor", "fraction_changed", EventOutPartType, SFFloatType, "0.0", "", NoRestriction},
+        {"TimeSensor", "cycleTime", EventOutPartType, SFTimeType, "-1.0", "[0,inf)", NoRestriction},
         {"SpotLight", "beamWidth", ExposedFieldPartType, SFFloatType, "0.589049", "(0,1.570796]", RangeRestriction},
         {"NavigationInfo", "type", ExposedFieldPartType, MFStringType, "\"EXAMINE\" \"ANY\"", "", NoRestriction},
         {"Shape", "geometry", ExposedFieldPartType, SFNodeType, "", "X3DGeometryNode", NodeTypeRestriction},
@@ -187,8 +188,9 @@ TEST_F(X3DCatalogTest, EveryConcreteTypeCreatesANode)
         for (unsigned id = 0; id < t->partCount(); ++id) {
             Field* field = node->findField(id);
             ASSERT_NE(field, nullptr) << t->name() << " " << id;
-            if (!field->desc()->defaultValue().empty())
+            if (!field->desc()->defaultValue().empty()) {
                 EXPECT_TRUE(field->valueIsDefault()) << t->name() << "." << field->desc()->name();
+            }
         }
         ++made;
     }
@@ -236,11 +238,14 @@ TEST_F(X3DCatalogTest, NodeFieldsTakeWhatTheStandardAllows)
                                ", because NodeLink needs " + field->desc()->valueType() + " Node\n"),
                   !c.accepted);
     }
-    // Without a field name the first field that takes the child is chosen.
+    // Without a field name the first field that holds the child is chosen: not the events
+    // addChildren and removeChildren, which come first.
     SmartPtr<Node> sensor = make("TransformSensor"), part = make("CADPart");
-    NodeLink*      link = sensor->addChild(part.get());
-    ASSERT_NE(link, nullptr);
+    ASSERT_NE(sensor->addChild(part.get()), nullptr);
     EXPECT_EQ(static_cast<SFNode*>(sensor->findField("targetObject"))->node(), part.get());
+    SmartPtr<Node> group = make("Transform"), shape = make("Shape");
+    ASSERT_NE(group->addChild(shape.get()), nullptr);
+    EXPECT_EQ(static_cast<MFNode*>(group->findField("children"))->childNode(0), shape.get());
 }
 
 TEST_F(X3DCatalogTest, Vrml97NamesAndDefaults)
