@@ -234,14 +234,22 @@ bool NodeType::isA(const NodeType& other) const
     return false;
 }
 
+// initType refuses an additional parent that closes a cycle, but a parent chain completed later
+// can still close one; the depth bound keeps the walk finite whatever the declarations say.
+constexpr unsigned maxKindDepth = 64;
+
 bool NodeType::isKindOf(const NodeType& other) const
 {
-    // The additional parents form no cycle (initType refuses one), so the recursion ends.
-    for (const NodeType* t = this; t; t = t->_parentNodeType) {
+    return kindOf(other, 0);
+}
+
+bool NodeType::kindOf(const NodeType& other, unsigned depth) const
+{
+    for (const NodeType* t = this; t && depth < maxKindDepth; t = t->_parentNodeType, ++depth) {
         if (t == &other)
             return true;
         for (const NodeType* extra : t->_additionalParents)
-            if (extra->isKindOf(other))
+            if (extra->kindOf(other, depth + 1))
                 return true;
     }
     return false;
@@ -249,13 +257,19 @@ bool NodeType::isKindOf(const NodeType& other) const
 
 std::int32_t NodeType::kindDistance(const NodeType& other) const
 {
+    return kindDistance(other, 0);
+}
+
+std::int32_t NodeType::kindDistance(const NodeType& other, unsigned depth) const
+{
     std::int32_t best = -1;
     std::int32_t distance = 0;
-    for (const NodeType* t = this; t && (best < 0 || distance < best); t = t->_parentNodeType, ++distance) {
+    for (const NodeType* t = this; t && depth < maxKindDepth && (best < 0 || distance < best);
+         t = t->_parentNodeType, ++distance, ++depth) {
         if (t == &other)
             return distance;
         for (const NodeType* extra : t->_additionalParents) {
-            std::int32_t via = extra->kindDistance(other);
+            std::int32_t via = extra->kindDistance(other, depth + 1);
             if (via >= 0 && (best < 0 || distance + 1 + via < best))
                 best = distance + 1 + via;
         }

@@ -145,6 +145,8 @@ private:
     friend class Node;
     friend class NodeTypeNameSpace;
 
+    bool         kindOf(const NodeType& other, unsigned depth) const;
+    std::int32_t kindDistance(const NodeType& other, unsigned depth) const;
     // Adds `delta` to this type's node count and to every ancestor's.
     void changeObjCounter(int delta) const;
     void setStatusID();

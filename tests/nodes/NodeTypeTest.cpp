@@ -356,3 +356,17 @@ TEST(AdditionalParentTest, KindsFollowAdditionalParentsAliasesAndAlternatives)
     EXPECT_NE(outer->addChild(scope.make("Frame").get()), nullptr);
     EXPECT_EQ(kids.size(), 2u);
 }
+
+// A parent chain completed after an additional parent can still close a cycle; walks stay finite.
+TEST(AdditionalParentTest, ACycleThroughTheParentChainEndsTheWalk)
+{
+    TypeScope scope("cycle");
+    NodeType& inner = scope.declare("Inner", "Outer", {}, 2, {.abstract = true});
+    NodeType& outer = scope.declare("Outer", "Node", {}, 2, {.abstract = true});
+    NodeType& plain = scope.declare("Plain", "Node", {});
+    outer.addAdditionalParent("Inner");
+    scope.initAll();
+    EXPECT_TRUE(inner.isKindOf(outer));
+    EXPECT_FALSE(inner.isKindOf(plain));
+    EXPECT_EQ(outer.kindDistance(plain), -1);
+}
