@@ -308,21 +308,17 @@ Field* CopyAction::destinationField(Field& field) const
 
 void CopyAction::finalize()
 {
+    auto counterpartOf = [this](Field& field) -> Field* {
+        if (field.desc())
+            return destinationField(field);
+        ORV_WARNING("No valid NodePart desc in CopyAction::finalize()\n");
+        return nullptr;
+    };
     for (Route* route : _routes) {
-        EventOutSlot* out = nullptr;
-        Field& from = route->outSlot().field();
-        if (!from.desc())
-            ORV_WARNING("No valid NodePart desc in CopyAction::finalize()\n");
-        else if (Field* field = destinationField(from))
-            out = field->createOutSlot(true);
-
-        EventInSlot* in = nullptr;
-        Field& to = route->inSlot().field();
-        if (!to.desc())
-            ORV_WARNING("No valid NodePart desc in CopyAction::finalize()\n");
-        else if (Field* field = destinationField(to))
-            in = field->createInSlot(true);
-
+        Field*        from = counterpartOf(route->outSlot().field());
+        EventOutSlot* out = from ? from->createOutSlot(true) : nullptr;
+        Field*        to = counterpartOf(route->inSlot().field());
+        EventInSlot*  in = to ? to->createInSlot(true) : nullptr;
         if (out && in)
             Route::create(*out, *in, Route::DEFAULT);
     }
