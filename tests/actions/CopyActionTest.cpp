@@ -211,6 +211,15 @@ TEST_F(CopyActionTest, DeepChainIsCopiedWithoutRecursion)
     for (Node* n = copy.get(); n; n = link(*n).node())
         ++depth;
     EXPECT_EQ(depth, 20001);
+    // Released in one go, a chain this long would be let go recursively: unhook it link by link.
+    for (Node* chain : {head.get(), copy.get()}) {
+        SmartPtr<Node> at(chain);
+        while (at) {
+            SmartPtr<Node> next(link(*at).node());
+            link(*at).setNode(nullptr);
+            at = next;
+        }
+    }
 }
 
 } // namespace
