@@ -203,11 +203,10 @@ void EventInSlot::receiveEvent(const double& time, Field& value, ConvertParam* p
         return;
     // The common case of Field::send (an out-slot, no listeners) done here: one call less on
     // every hop of a cascade, whose depth is the length of the route chain.
-    Field::Events* events = own._events;
-    if (events && events->outSlot && events->listeners.empty()) {
+    if (EventOutSlot* out = _fastOut) {
         const PartMask mask = desc ? desc->mask() : NodePart::_nullMask;
         node.setIsChanging(mask);
-        events->outSlot->sendEvent(time, own, nullptr, onlyIS);
+        out->sendEvent(time, own, nullptr, onlyIS);
         node.clearIsChanging(mask);
         return;
     }

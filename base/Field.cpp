@@ -37,6 +37,12 @@ Field::~Field()
     delete _events;
 }
 
+void Field::Events::refreshFastPath()
+{
+    if (inSlot)
+        inSlot->_fastOut = listeners.empty() ? outSlot : nullptr;
+}
+
 Field::Events& Field::events()
 {
     if (!_events)
@@ -287,7 +293,10 @@ EventInSlot* Field::createInSlot(bool force)
         return slot;
     if (!force && !(type() & EventInPartType))
         return nullptr;
-    return events().inSlot = new EventInSlot(*this);
+    Events& e = events();
+    e.inSlot = new EventInSlot(*this);
+    e.refreshFastPath();
+    return e.inSlot;
 }
 
 EventOutSlot* Field::createOutSlot(bool force)
@@ -296,7 +305,10 @@ EventOutSlot* Field::createOutSlot(bool force)
         return slot;
     if (!force && !(type() & EventOutPartType))
         return nullptr;
-    return events().outSlot = new EventOutSlot(*this);
+    Events& e = events();
+    e.outSlot = new EventOutSlot(*this);
+    e.refreshFastPath();
+    return e.outSlot;
 }
 
 namespace {
@@ -338,7 +350,9 @@ void Field::disconnectAll()
 
 void Field::addListener(Listener* listener)
 {
-    events().listeners.push_back(listener);
+    Events& e = events();
+    e.listeners.push_back(listener);
+    e.refreshFastPath();
 }
 
 void Field::removeListener(Listener* listener)
@@ -349,6 +363,7 @@ void Field::removeListener(Listener* listener)
     auto found = std::find(listeners.begin(), listeners.end(), listener);
     if (found != listeners.end())
         listeners.erase(found);
+    _events->refreshFastPath();
 }
 
 void Field::callListeners(const double& time)

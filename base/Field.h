@@ -120,6 +120,8 @@ private:
         EventInSlot*           inSlot = nullptr;
         EventOutSlot*          outSlot = nullptr;
         std::vector<Listener*> listeners;
+        // Tells the in-slot whether it may send on through the out-slot directly.
+        void refreshFastPath();
     };
     Events&       events();
     EventInSlot*  inSlotIfAny() const { return _events ? _events->inSlot : nullptr; }
