@@ -54,74 +54,84 @@
 #include "base/XFAny.h"
 
 #include <deque>
+#include <new>
 
 namespace Orvane {
 
 namespace {
 
-void add(BaseType baseType, NodePartDataType dataType, const char* name, FieldType::CreateMethod create, bool multi)
+// Constructs a field of class F where a node's block has room for it.
+template <class F>
+Field* place(void* at, Node& owner)
 {
-    // The records live as long as the process (the registries hold plain pointers to them),
-    // so they are never destroyed, not even at exit.
-    static auto* records = new std::deque<FieldType>;
-    records->emplace_back(baseType, dataType, name, create, multi);
+    return ::new (at) F(owner);
 }
 
 } // namespace
 
+template <class F>
+void BuiltinFieldTypes::add(BaseType baseType, const char* name, bool multi)
+{
+    // The records live as long as the process (the registries hold plain pointers to them),
+    // so they are never destroyed, not even at exit.
+    static auto* records = new std::deque<FieldType>;
+    FieldType& type = records->emplace_back(baseType, F::DataType, name, &F::create, multi);
+    type.setPlacement(sizeof(F), alignof(F), &place<F>);
+}
+
 void BuiltinFieldTypes::registerAll()
 {
-    add(BaseType::Any, MFAny::DataType, "MFAny", &MFAny::create, true);
-    add(BaseType::Bool, MFBool::DataType, "MFBool", &MFBool::create, true);
-    add(BaseType::Color, MFColor::DataType, "MFColor", &MFColor::create, true);
-    add(BaseType::ColorRGBA, MFColorRGBA::DataType, "MFColorRGBA", &MFColorRGBA::create, true);
-    add(BaseType::Double, MFDouble::DataType, "MFDouble", &MFDouble::create, true);
-    add(BaseType::Float, MFFloat::DataType, "MFFloat", &MFFloat::create, true);
-    add(BaseType::Image, MFImage::DataType, "MFImage", &MFImage::create, true);
-    add(BaseType::Int32, MFInt32::DataType, "MFInt32", &MFInt32::create, true);
-    add(BaseType::Matrix3d, MFMatrix3d::DataType, "MFMatrix3d", &MFMatrix3d::create, true);
-    add(BaseType::Matrix3f, MFMatrix3f::DataType, "MFMatrix3f", &MFMatrix3f::create, true);
-    add(BaseType::Matrix4d, MFMatrix4d::DataType, "MFMatrix4d", &MFMatrix4d::create, true);
-    add(BaseType::Matrix4f, MFMatrix4f::DataType, "MFMatrix4f", &MFMatrix4f::create, true);
-    add(BaseType::Node, MFNode::DataType, "MFNode", &MFNode::create, true);
-    add(BaseType::Plane, MFPlane::DataType, "MFPlane", &MFPlane::create, true);
-    add(BaseType::Qubit, MFQubit::DataType, "MFQubit", &MFQubit::create, true);
-    add(BaseType::Rotation, MFRotation::DataType, "MFRotation", &MFRotation::create, true);
-    add(BaseType::Sound, MFSound::DataType, "MFSound", &MFSound::create, true);
-    add(BaseType::String, MFString::DataType, "MFString", &MFString::create, true);
-    add(BaseType::Time, MFTime::DataType, "MFTime", &MFTime::create, true);
-    add(BaseType::Vec2d, MFVec2d::DataType, "MFVec2d", &MFVec2d::create, true);
-    add(BaseType::Vec2f, MFVec2f::DataType, "MFVec2f", &MFVec2f::create, true);
-    add(BaseType::Vec3d, MFVec3d::DataType, "MFVec3d", &MFVec3d::create, true);
-    add(BaseType::Vec3f, MFVec3f::DataType, "MFVec3f", &MFVec3f::create, true);
-    add(BaseType::Vec4d, MFVec4d::DataType, "MFVec4d", &MFVec4d::create, true);
-    add(BaseType::Vec4f, MFVec4f::DataType, "MFVec4f", &MFVec4f::create, true);
-    add(BaseType::Any, SFAny::DataType, "SFAny", &SFAny::create, false);
-    add(BaseType::Bool, SFBool::DataType, "SFBool", &SFBool::create, false);
-    add(BaseType::Color, SFColor::DataType, "SFColor", &SFColor::create, false);
-    add(BaseType::ColorRGBA, SFColorRGBA::DataType, "SFColorRGBA", &SFColorRGBA::create, false);
-    add(BaseType::Double, SFDouble::DataType, "SFDouble", &SFDouble::create, false);
-    add(BaseType::Float, SFFloat::DataType, "SFFloat", &SFFloat::create, false);
-    add(BaseType::Image, SFImage::DataType, "SFImage", &SFImage::create, false);
-    add(BaseType::Int32, SFInt32::DataType, "SFInt32", &SFInt32::create, false);
-    add(BaseType::Matrix3d, SFMatrix3d::DataType, "SFMatrix3d", &SFMatrix3d::create, false);
-    add(BaseType::Matrix3f, SFMatrix3f::DataType, "SFMatrix3f", &SFMatrix3f::create, false);
-    add(BaseType::Matrix4d, SFMatrix4d::DataType, "SFMatrix4d", &SFMatrix4d::create, false);
-    add(BaseType::Matrix4f, SFMatrix4f::DataType, "SFMatrix4f", &SFMatrix4f::create, false);
-    add(BaseType::Node, SFNode::DataType, "SFNode", &SFNode::create, false);
-    add(BaseType::Plane, SFPlane::DataType, "SFPlane", &SFPlane::create, false);
-    add(BaseType::Qubit, SFQubit::DataType, "SFQubit", &SFQubit::create, false);
-    add(BaseType::Rotation, SFRotation::DataType, "SFRotation", &SFRotation::create, false);
-    add(BaseType::Sound, SFSound::DataType, "SFSound", &SFSound::create, false);
-    add(BaseType::String, SFString::DataType, "SFString", &SFString::create, false);
-    add(BaseType::Time, SFTime::DataType, "SFTime", &SFTime::create, false);
-    add(BaseType::Vec2d, SFVec2d::DataType, "SFVec2d", &SFVec2d::create, false);
-    add(BaseType::Vec2f, SFVec2f::DataType, "SFVec2f", &SFVec2f::create, false);
-    add(BaseType::Vec3d, SFVec3d::DataType, "SFVec3d", &SFVec3d::create, false);
-    add(BaseType::Vec3f, SFVec3f::DataType, "SFVec3f", &SFVec3f::create, false);
-    add(BaseType::Vec4d, SFVec4d::DataType, "SFVec4d", &SFVec4d::create, false);
-    add(BaseType::Vec4f, SFVec4f::DataType, "SFVec4f", &SFVec4f::create, false);
-    add(BaseType::Any, XFAny::DataType, "XFAny", &XFAny::create, false);
+    add<MFAny>(BaseType::Any, "MFAny", true);
+    add<MFBool>(BaseType::Bool, "MFBool", true);
+    add<MFColor>(BaseType::Color, "MFColor", true);
+    add<MFColorRGBA>(BaseType::ColorRGBA, "MFColorRGBA", true);
+    add<MFDouble>(BaseType::Double, "MFDouble", true);
+    add<MFFloat>(BaseType::Float, "MFFloat", true);
+    add<MFImage>(BaseType::Image, "MFImage", true);
+    add<MFInt32>(BaseType::Int32, "MFInt32", true);
+    add<MFMatrix3d>(BaseType::Matrix3d, "MFMatrix3d", true);
+    add<MFMatrix3f>(BaseType::Matrix3f, "MFMatrix3f", true);
+    add<MFMatrix4d>(BaseType::Matrix4d, "MFMatrix4d", true);
+    add<MFMatrix4f>(BaseType::Matrix4f, "MFMatrix4f", true);
+    add<MFNode>(BaseType::Node, "MFNode", true);
+    add<MFPlane>(BaseType::Plane, "MFPlane", true);
+    add<MFQubit>(BaseType::Qubit, "MFQubit", true);
+    add<MFRotation>(BaseType::Rotation, "MFRotation", true);
+    add<MFSound>(BaseType::Sound, "MFSound", true);
+    add<MFString>(BaseType::String, "MFString", true);
+    add<MFTime>(BaseType::Time, "MFTime", true);
+    add<MFVec2d>(BaseType::Vec2d, "MFVec2d", true);
+    add<MFVec2f>(BaseType::Vec2f, "MFVec2f", true);
+    add<MFVec3d>(BaseType::Vec3d, "MFVec3d", true);
+    add<MFVec3f>(BaseType::Vec3f, "MFVec3f", true);
+    add<MFVec4d>(BaseType::Vec4d, "MFVec4d", true);
+    add<MFVec4f>(BaseType::Vec4f, "MFVec4f", true);
+    add<SFAny>(BaseType::Any, "SFAny", false);
+    add<SFBool>(BaseType::Bool, "SFBool", false);
+    add<SFColor>(BaseType::Color, "SFColor", false);
+    add<SFColorRGBA>(BaseType::ColorRGBA, "SFColorRGBA", false);
+    add<SFDouble>(BaseType::Double, "SFDouble", false);
+    add<SFFloat>(BaseType::Float, "SFFloat", false);
+    add<SFImage>(BaseType::Image, "SFImage", false);
+    add<SFInt32>(BaseType::Int32, "SFInt32", false);
+    add<SFMatrix3d>(BaseType::Matrix3d, "SFMatrix3d", false);
+    add<SFMatrix3f>(BaseType::Matrix3f, "SFMatrix3f", false);
+    add<SFMatrix4d>(BaseType::Matrix4d, "SFMatrix4d", false);
+    add<SFMatrix4f>(BaseType::Matrix4f, "SFMatrix4f", false);
+    add<SFNode>(BaseType::Node, "SFNode", false);
+    add<SFPlane>(BaseType::Plane, "SFPlane", false);
+    add<SFQubit>(BaseType::Qubit, "SFQubit", false);
+    add<SFRotation>(BaseType::Rotation, "SFRotation", false);
+    add<SFSound>(BaseType::Sound, "SFSound", false);
+    add<SFString>(BaseType::String, "SFString", false);
+    add<SFTime>(BaseType::Time, "SFTime", false);
+    add<SFVec2d>(BaseType::Vec2d, "SFVec2d", false);
+    add<SFVec2f>(BaseType::Vec2f, "SFVec2f", false);
+    add<SFVec3d>(BaseType::Vec3d, "SFVec3d", false);
+    add<SFVec3f>(BaseType::Vec3f, "SFVec3f", false);
+    add<SFVec4d>(BaseType::Vec4d, "SFVec4d", false);
+    add<SFVec4f>(BaseType::Vec4f, "SFVec4f", false);
+    add<XFAny>(BaseType::Any, "XFAny", false);
 }
 
 void BuiltinFieldTypes::initAll()

@@ -1,6 +1,8 @@
 #ifndef ORVANE_BASE_BUILTINFIELDTYPES_H
 #define ORVANE_BASE_BUILTINFIELDTYPES_H
 
+#include "base/FieldType.h"
+
 namespace Orvane {
 
 // Registers the field types of the library, in a fixed order: the MF names, then the SF names,
@@ -11,6 +13,11 @@ public:
     static void registerAll();
     // Calls the init() of every concrete field class.
     static void initAll();
+
+private:
+    // Registers field class F (whose create and constructor this class may reach).
+    template <class F>
+    static void add(BaseType baseType, const char* name, bool multi);
 };
 
 } // namespace Orvane

@@ -203,10 +203,10 @@ void EventInSlot::receiveEvent(const double& time, Field& value, ConvertParam* p
         return;
     // The common case of Field::send (an out-slot, no listeners) done here: one call less on
     // every hop of a cascade, whose depth is the length of the route chain.
-    if (own._outSlot && !own._listeners) {
+    if (EventOutSlot* out = _fastOut) {
         const PartMask mask = desc ? desc->mask() : NodePart::_nullMask;
         node.setIsChanging(mask);
-        own._outSlot->sendEvent(time, own, nullptr, onlyIS);
+        out->sendEvent(time, own, nullptr, onlyIS);
         node.clearIsChanging(mask);
         return;
     }

@@ -30,9 +30,24 @@ const std::string Field::_typeName = "Field";
 
 Field::~Field()
 {
-    delete _listeners;
-    delete _inSlot;
-    delete _outSlot;
+    if (!_events)
+        return;
+    delete _events->inSlot;
+    delete _events->outSlot;
+    delete _events;
+}
+
+void Field::Events::refreshFastPath()
+{
+    if (inSlot)
+        inSlot->_fastOut = listeners.empty() ? outSlot : nullptr;
+}
+
+Field::Events& Field::events()
+{
+    if (!_events)
+        _events = new Events;
+    return *_events;
 }
 
 const std::string& Field::typeName() const
@@ -233,16 +248,19 @@ bool Field::receive(const double& time)
 void Field::send(const double& time, bool markChanging, bool onlyIS)
 {
     // An exported node's output reaches the importing side even before anyone routed it.
-    if (!_outSlot && _desc && _desc->hasOutSlot() && _owner->isExported())
+    if (!outSlotIfAny() && _desc && _desc->hasOutSlot() && _owner->isExported())
         createOutSlot(false);
-    if (_listeners)
+    if (!_events)
+        return;
+    if (!_events->listeners.empty())
         callListeners(time);
-    if (!_outSlot)
+    EventOutSlot* out = _events->outSlot;
+    if (!out)
         return;
     // This is every hop of an event cascade: the out-slot is called directly, without the
     // own-value overload: one frame less on every hop.
     if (!markChanging) {
-        _outSlot->sendEvent(time, *this, nullptr, onlyIS);
+        out->sendEvent(time, *this, nullptr, onlyIS);
         return;
     }
     // While the field sends, its bit in the is-changing mask is what stops an event that comes
@@ -251,7 +269,7 @@ void Field::send(const double& time, bool markChanging, bool onlyIS)
     // nested send is taken once more.
     const PartMask mask = _desc ? _desc->mask() : _nullMask;
     _owner->setIsChanging(mask);
-    _outSlot->sendEvent(time, *this, nullptr, onlyIS);
+    out->sendEvent(time, *this, nullptr, onlyIS);
     _owner->clearIsChanging(mask);
 }
 
@@ -259,30 +277,38 @@ void Field::send(const double& time, bool markChanging, bool onlyIS)
 
 EventInSlot* Field::getInSlot(bool create, bool force)
 {
-    if (!_inSlot && create)
-        createInSlot(force);
-    return _inSlot;
+    EventInSlot* slot = inSlotIfAny();
+    return !slot && create ? createInSlot(force) : slot;
 }
 
 EventOutSlot* Field::getOutSlot(bool create, bool force)
 {
-    if (!_outSlot && create)
-        createOutSlot(force);
-    return _outSlot;
+    EventOutSlot* slot = outSlotIfAny();
+    return !slot && create ? createOutSlot(force) : slot;
 }
 
 EventInSlot* Field::createInSlot(bool force)
 {
-    if (!_inSlot && (force || (type() & EventInPartType)))
-        _inSlot = new EventInSlot(*this);
-    return _inSlot;
+    if (EventInSlot* slot = inSlotIfAny())
+        return slot;
+    if (!force && !(type() & EventInPartType))
+        return nullptr;
+    Events& e = events();
+    e.inSlot = new EventInSlot(*this);
+    e.refreshFastPath();
+    return e.inSlot;
 }
 
 EventOutSlot* Field::createOutSlot(bool force)
 {
-    if (!_outSlot && (force || (type() & EventOutPartType)))
-        _outSlot = new EventOutSlot(*this);
-    return _outSlot;
+    if (EventOutSlot* slot = outSlotIfAny())
+        return slot;
+    if (!force && !(type() & EventOutPartType))
+        return nullptr;
+    Events& e = events();
+    e.outSlot = new EventOutSlot(*this);
+    e.refreshFastPath();
+    return e.outSlot;
 }
 
 namespace {
@@ -302,47 +328,51 @@ unsigned int slotRouteCount(const EventSlot* slot, bool all, bool withObservers)
 
 unsigned int Field::inRouteCount(bool all, bool withObservers) const
 {
-    return slotRouteCount(_inSlot, all, withObservers);
+    return slotRouteCount(inSlotIfAny(), all, withObservers);
 }
 
 unsigned int Field::outRouteCount(bool all, bool withObservers) const
 {
-    return slotRouteCount(_outSlot, all, withObservers);
+    return slotRouteCount(outSlotIfAny(), all, withObservers);
 }
 
 void Field::disconnectAll()
 {
-    if (_inSlot)
-        _inSlot->disconnectAll();
-    if (_outSlot)
-        _outSlot->disconnectAll();
+    if (!_events)
+        return;
+    if (_events->inSlot)
+        _events->inSlot->disconnectAll();
+    if (_events->outSlot)
+        _events->outSlot->disconnectAll();
 }
 
 // --- listeners ---
 
 void Field::addListener(Listener* listener)
 {
-    if (!_listeners)
-        _listeners = new std::vector<Listener*>;
-    _listeners->push_back(listener);
+    Events& e = events();
+    e.listeners.push_back(listener);
+    e.refreshFastPath();
 }
 
 void Field::removeListener(Listener* listener)
 {
-    if (!_listeners)
+    if (!_events)
         return;
-    auto found = std::find(_listeners->begin(), _listeners->end(), listener);
-    if (found != _listeners->end())
-        _listeners->erase(found);
+    auto& listeners = _events->listeners;
+    auto found = std::find(listeners.begin(), listeners.end(), listener);
+    if (found != listeners.end())
+        listeners.erase(found);
+    _events->refreshFastPath();
 }
 
 void Field::callListeners(const double& time)
 {
-    if (!_listeners)
+    if (!_events)
         return;
     // By index: a listener may add or remove listeners.
-    for (std::size_t i = 0; i < _listeners->size(); ++i)
-        (*_listeners)[i]->fieldChanged(time, *this);
+    for (std::size_t i = 0; i < _events->listeners.size(); ++i)
+        _events->listeners[i]->fieldChanged(time, *this);
 }
 
 // --- text helpers ---

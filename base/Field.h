@@ -114,9 +114,20 @@ protected:
     void binaryNotImplemented(const char* operation) const;
 
 private:
-    std::vector<Listener*>* _listeners = nullptr;
-    EventInSlot*            _inSlot = nullptr;
-    EventOutSlot*           _outSlot = nullptr;
+    // Slots and listeners are rare beside the number of fields, so they share one record made
+    // on first need: a field without them costs one pointer.
+    struct Events {
+        EventInSlot*           inSlot = nullptr;
+        EventOutSlot*          outSlot = nullptr;
+        std::vector<Listener*> listeners;
+        // Tells the in-slot whether it may send on through the out-slot directly.
+        void refreshFastPath();
+    };
+    Events&       events();
+    EventInSlot*  inSlotIfAny() const { return _events ? _events->inSlot : nullptr; }
+    EventOutSlot* outSlotIfAny() const { return _events ? _events->outSlot : nullptr; }
+
+    Events* _events = nullptr;
 };
 
 } // namespace Orvane

@@ -80,6 +80,14 @@ void FieldType::dump() const
              reinterpret_cast<void*>(_create));
 }
 
+void FieldType::setPlacement(std::uint32_t size, std::uint32_t align, PlaceMethod place)
+{
+    const bool valid = place && size && align && (align & (align - 1)) == 0;
+    _placeSize = valid ? size : 0;
+    _placeAlign = valid ? align : 0;
+    _place = valid ? place : nullptr;
+}
+
 Field* FieldType::create(NodePartDataType dataType, Node& node)
 {
     FieldType* type = findType(dataType);

@@ -40,6 +40,8 @@ enum NodePartDataType : std::int32_t {
 class ORVANE_API FieldType : public BaseObject {
 public:
     using CreateMethod = Field* (*)(Node&);
+    // Constructs the field at `at`, which has placeSize() bytes aligned to placeAlign().
+    using PlaceMethod = Field* (*)(void* at, Node& owner);
 
     FieldType(BaseType baseType, NodePartDataType dataType, const char* name, CreateMethod create,
               bool multi);
@@ -50,6 +52,12 @@ public:
     const std::string& dataTypeName() const { return _name; }
     bool               isMulti() const { return _multi; }
     CreateMethod       createMethod() const { return _create; }
+    // How a node lays the field out inside its own storage; a type without placement (size 0)
+    // is made on the heap by createMethod().
+    void               setPlacement(std::uint32_t size, std::uint32_t align, PlaceMethod place);
+    std::uint32_t      placeSize() const { return _placeSize; }
+    std::uint32_t      placeAlign() const { return _placeAlign; }
+    PlaceMethod        placeMethod() const { return _place; }
     unsigned           compNum() const { return compNum(_baseType); }
     void               dump() const;
 
@@ -81,6 +89,9 @@ private:
     std::string      _name;
     CreateMethod     _create;
     bool             _multi;
+    std::uint32_t    _placeSize = 0;
+    std::uint32_t    _placeAlign = 0;
+    PlaceMethod      _place = nullptr;
 
     static TypeVec*     _typeVec;
     static NameMap*     _nameMap;

@@ -15,19 +15,35 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <map>
 #include <mutex>
 #include <unordered_set>
+#include <utility>
 
 namespace Orvane {
 
 namespace {
 
-// The node ID map: every live node by its number. Made with the first node, never destroyed.
+// The node ID map: every live node by its number. IDs only grow, so the entries are in ID
+// order as they are appended; a node knows its entry's index, so leaving is constant time too.
+// A departed node leaves a hole, and the holes are squeezed out once they outnumber the live
+// entries, which keeps the cost per node constant however large the scene. Made with the
+// first node, never destroyed.
 struct IDRegistry {
-    std::mutex                            lock;
-    std::map<std::uint64_t, Node*>*       map = nullptr;
-    std::uint64_t                         nextID = 1;
+    struct Entry {
+        std::uint64_t id;
+        Node*         node;
+    };
+    std::mutex         lock;
+    std::vector<Entry> entries;
+    std::size_t        live = 0;
+    std::uint64_t      nextID = 1;
+
+    const Entry* find(std::uint64_t id) const
+    {
+        auto found = std::lower_bound(entries.begin(), entries.end(), id,
+                                      [](const Entry& e, std::uint64_t value) { return e.id < value; });
+        return found != entries.end() && found->id == id && found->node ? &*found : nullptr;
+    }
 };
 
 IDRegistry& idRegistry()
@@ -35,6 +51,20 @@ IDRegistry& idRegistry()
     static IDRegistry& r = *new IDRegistry;
     return r;
 }
+
+// The block request of the next Node::operator new on this thread, and what that operator new
+// laid out for the node's constructor to take up.
+struct BlockHandOver {
+    const NodeType* requested = nullptr;
+    const NodeType* type = nullptr;
+    char*           block = nullptr;
+    std::uint32_t   objectSize = 0;
+    std::uint32_t   areaSize = 0;
+};
+
+thread_local BlockHandOver blockHandOver;
+
+constexpr std::size_t blockAlign = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 
 Subject& makeSubject(const char* name)
 {
@@ -115,6 +145,102 @@ namespace {
 [[maybe_unused]] const bool nodeTypeRegistered = (Node::classType(), true);
 } // namespace
 
+// --- storage ---
+
+const NodeType* Node::requestBlock(const NodeType* type)
+{
+    return std::exchange(blockHandOver.requested, type);
+}
+
+void* Node::operator new(std::size_t size)
+{
+    BlockHandOver& h = blockHandOver;
+    const NodeType* type = std::exchange(h.requested, nullptr);
+    if (!type || !type->_areaSize)
+        return ::operator new(size);
+    const std::size_t objectSize = (size + blockAlign - 1) & ~(blockAlign - 1);
+    void* block = ::operator new(objectSize + type->_areaSize);
+    h.type = type;
+    h.block = static_cast<char*>(block);
+    h.objectSize = static_cast<std::uint32_t>(objectSize);
+    h.areaSize = type->_areaSize;
+    return block;
+}
+
+// GCC pairs the class's operator new with the global delete where both are inlined and takes
+// that for a mismatch; the block did come from the global operator new.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
+void Node::operator delete(void* block) noexcept
+{
+    ::operator delete(block);
+}
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
+
+bool Node::inBlock(const void* p) const
+{
+    const auto at = reinterpret_cast<std::uintptr_t>(p);
+    const auto area = reinterpret_cast<std::uintptr_t>(_area);
+    return _area && at >= area && at < area + _areaSize;
+}
+
+void Node::destroyPart(NodePart* part)
+{
+    if (!part)
+        return;
+    if (inBlock(part))
+        part->~NodePart();
+    else
+        delete part;
+}
+
+void Node::destroyProc(NodeProc* proc)
+{
+    if (!proc)
+        return;
+    if (inBlock(proc))
+        proc->~NodeProc();
+    else
+        delete proc;
+}
+
+void Node::PartTable::init(NodePart** storage, std::uint32_t count)
+{
+    release();
+    _onHeap = storage == nullptr;
+    _data = storage ? storage : (count ? new NodePart*[count] : nullptr);
+    std::fill_n(_data, count, nullptr);
+    _size = count;
+    _capacity = count;
+}
+
+void Node::PartTable::push_back(NodePart* part)
+{
+    if (_size == _capacity) {
+        // Dynamic fields are few; double anyway so that a long run of them stays linear.
+        const std::uint32_t capacity = _capacity ? 2 * _capacity : 4;
+        auto* data = new NodePart*[capacity];
+        std::copy_n(_data, _size, data);
+        release();
+        _data = data;
+        _capacity = capacity;
+        _onHeap = 1;
+    }
+    _data[_size++] = part;
+}
+
+void Node::PartTable::release()
+{
+    if (_onHeap)
+        delete[] _data;
+    _data = nullptr;
+    _onHeap = 0;
+}
+
 Node* Node::createNode(NodeType& type, NodeNameSpace& nameSpace, const char* name)
 {
     return new Node(type, nameSpace, name);
@@ -185,14 +311,28 @@ Subject& Node::deleteObjectSubject()
 Node::Node(NodeType& type, NodeNameSpace& nameSpace, const char* name)
     : _type(&type), _nameSpace(&nameSpace), _logFeatureMask(type.logFeatureMask())
 {
-    _parts.resize(type.partCount(), nullptr);
+    // Take up the block that operator new laid out, when it is this node's and laid out for
+    // this node's type with its current layout.
+    BlockHandOver& h = blockHandOver;
+    const auto self = reinterpret_cast<std::uintptr_t>(this);
+    const auto block = reinterpret_cast<std::uintptr_t>(h.block);
+    if (h.block && h.type == &type && self >= block && self < block + h.objectSize &&
+        h.areaSize == type._areaSize && type._fieldOffsets.size() == type.partCount()) {
+        _area = h.block + h.objectSize;
+        _areaSize = h.areaSize;
+        _parts.init(reinterpret_cast<NodePart**>(_area + type._partTableOffset), type.partCount());
+    } else {
+        _parts.init(nullptr, type.partCount());
+    }
+    h.block = nullptr;
+    h.type = nullptr;
     {
         IDRegistry& r = idRegistry();
         std::lock_guard<std::mutex> lock(r.lock);
-        if (!r.map)
-            r.map = new std::map<std::uint64_t, Node*>;
         _ID = r.nextID++;
-        r.map->emplace_hint(r.map->end(), _ID, this);
+        _idSlot = static_cast<std::uint32_t>(r.entries.size());
+        r.entries.push_back({_ID, this});
+        ++r.live;
     }
     nameSpace.linkNode(*this);
     type.changeObjCounter(1);
@@ -220,17 +360,33 @@ Node::~Node()
         if (!part)
             continue;
         NodePartDesc* desc = part->desc();
-        delete part;
+        destroyPart(part);
         // Dynamic fields own their descriptors.
         if (i >= typeParts && desc && desc->objExtension())
             delete desc;
     }
-    delete _proc;
+    destroyProc(std::exchange(_proc, nullptr));
     _nameSpace->unlinkNode(*this);
     _type->changeObjCounter(-1);
     IDRegistry& r = idRegistry();
     std::lock_guard<std::mutex> lock(r.lock);
-    r.map->erase(_ID);
+    auto& entries = r.entries;
+    entries[_idSlot].node = nullptr;
+    --r.live;
+    // Holes at the end go at once; the others when they are the majority. A squeeze moves
+    // every live entry once, paid for by the departures since the last one.
+    while (!entries.empty() && !entries.back().node)
+        entries.pop_back();
+    if (entries.size() > 64 && entries.size() - r.live > r.live) {
+        std::size_t kept = 0;
+        for (const IDRegistry::Entry& e : entries) {
+            if (!e.node)
+                continue;
+            e.node->_idSlot = static_cast<std::uint32_t>(kept);
+            entries[kept++] = e;
+        }
+        entries.resize(kept);
+    }
 }
 
 void Node::shutdown() const
@@ -246,7 +402,7 @@ void Node::shutdown() const
 void Node::setProc(NodeProc* proc)
 {
     if (proc != _proc)
-        delete _proc;
+        destroyProc(_proc);
     _proc = proc;
     if (_proc)
         _proc->_node = this;
@@ -275,11 +431,11 @@ const std::string& Node::getIDStr() const
 {
     if (_name)
         return *_name;
-    if (_idStr.empty()) {
-        _idStr += '#';
-        _idStr += std::to_string(_ID);
+    if (!_idStr) {
+        _idStr = std::make_unique<std::string>(1, '#');
+        *_idStr += std::to_string(_ID);
     }
-    return _idStr;
+    return *_idStr;
 }
 
 std::uint64_t Node::parseIDStr(const std::string& text)
@@ -319,10 +475,8 @@ Node* Node::findNode(std::uint64_t id)
 {
     IDRegistry& r = idRegistry();
     std::lock_guard<std::mutex> lock(r.lock);
-    if (!r.map)
-        return nullptr;
-    auto found = r.map->find(id);
-    return found == r.map->end() ? nullptr : found->second;
+    const IDRegistry::Entry* entry = r.find(id);
+    return entry ? entry->node : nullptr;
 }
 
 bool Node::findNode(const Node* node)
@@ -331,10 +485,8 @@ bool Node::findNode(const Node* node)
         return false;
     IDRegistry& r = idRegistry();
     std::lock_guard<std::mutex> lock(r.lock);
-    if (!r.map)
-        return false;
-    for (const auto& [id, live] : *r.map)
-        if (live == node)
+    for (const IDRegistry::Entry& e : r.entries)
+        if (e.node == node)
             return true;
     return false;
 }
@@ -343,7 +495,7 @@ std::size_t Node::idMapSize()
 {
     IDRegistry& r = idRegistry();
     std::lock_guard<std::mutex> lock(r.lock);
-    return r.map ? r.map->size() : 0;
+    return r.live;
 }
 
 int Node::fillNodeVec(std::vector<Node*>& out, NodeType* type, bool derived)
@@ -351,10 +503,9 @@ int Node::fillNodeVec(std::vector<Node*>& out, NodeType* type, bool derived)
     out.clear();
     IDRegistry& r = idRegistry();
     std::lock_guard<std::mutex> lock(r.lock);
-    if (!r.map)
-        return 0;
-    for (const auto& [id, node] : *r.map) {
-        if (!type || &node->type() == type || (derived && node->type().isA(*type)))
+    for (const IDRegistry::Entry& e : r.entries) {
+        Node* node = e.node;
+        if (node && (!type || &node->type() == type || (derived && node->type().isA(*type))))
             out.push_back(node);
     }
     return static_cast<int>(out.size());
@@ -538,7 +689,7 @@ bool Node::regField(Field& field, NodeType& type, unsigned id, bool setDefault)
         return false;
     }
     if (_parts[id] && _parts[id] != &field)
-        delete _parts[id];
+        destroyPart(_parts[id]);
     field.setDesc(type.part(id));
     _parts[id] = &field;
     if (setDefault)
@@ -548,8 +699,13 @@ bool Node::regField(Field& field, NodeType& type, unsigned id, bool setDefault)
 
 void Node::unregField(unsigned id)
 {
-    if (id < _parts.size())
-        _parts[id] = nullptr;
+    if (id >= _parts.size())
+        return;
+    // A field in the block cannot change hands: it ends here, and makeField may build a new
+    // one in its place.
+    if (inBlock(_parts[id]))
+        destroyPart(_parts[id]);
+    _parts[id] = nullptr;
 }
 
 Field* Node::makeField(unsigned id, bool setDefault)
@@ -559,9 +715,18 @@ Field* Node::makeField(unsigned id, bool setDefault)
     NodePartDesc* desc = _type->part(id);
     if (!desc)
         return nullptr;
-    Field* field = FieldType::create(desc->dataType(), *this);
+    // In the block where the type placed it; on the heap for a node without block or a field
+    // type without placement.
+    Field* field = nullptr;
+    const FieldType* fieldType = _area && id < _type->_fieldOffsets.size() && _type->_fieldOffsets[id] != NodeType::NoPlace
+                                     ? FieldType::findType(desc->dataType())
+                                     : nullptr;
+    if (fieldType && fieldType->placeMethod())
+        field = fieldType->placeMethod()(_area + _type->_fieldOffsets[id], *this);
+    else
+        field = FieldType::create(desc->dataType(), *this);
     if (field && !regField(*field, *_type, id, setDefault)) {
-        delete field;
+        destroyPart(field);
         return nullptr;
     }
     return field;
@@ -604,7 +769,7 @@ bool Node::removeDynamicField(unsigned id)
     NodePart* part = _parts[id];
     NodePartDesc* desc = part->desc();
     static_cast<Field*>(part)->disconnectAll();
-    delete part;
+    destroyPart(part);
     delete desc;
     // The IDs of later fields stay as they are; only a trailing slot goes away.
     _parts[id] = nullptr;

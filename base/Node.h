@@ -4,6 +4,7 @@
 #include "base/AttachmentBag.h"
 #include "base/BitVector.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -227,6 +228,12 @@ public:
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
 
+    // A node made by NodeType::createNode gets one block: the node object, then its declared
+    // fields, part table and default processor at the offsets its type laid out. Any other
+    // `new` of a node gets the object alone, and its parts come from the heap.
+    static void* operator new(std::size_t size);
+    static void  operator delete(void* block) noexcept;
+
 protected:
     Node(NodeType& type, NodeNameSpace& nameSpace, const char* name);
     ~Node() override;
@@ -246,18 +253,57 @@ private:
     friend class NodeNameSpace;
     friend class NodeType;
 
+    // Makes the next Node::operator new on this thread lay out a block for `type`; returns
+    // the request it replaces.
+    static const NodeType* requestBlock(const NodeType* type);
+
     bool setState(const double& time, NodeState state);
     bool updateTreeState(const double& time, NodeState state);
     void updateLogFeature();
     void addParentLink(NodeLink* link) { _parentLinks.push_back(link); }
     bool removeParentLink(NodeLink* link);
     Field* placeDynamicField(NodePartDesc* desc);
+    // True when `p` lies in this node's block after the node object.
+    bool inBlock(const void* p) const;
+    void destroyPart(NodePart* part);
+    void destroyProc(NodeProc* proc);
+
+    // The parts by descriptor ID. The first table is in the node's block; dynamic fields
+    // beyond its capacity move it to the heap.
+    class PartTable {
+    public:
+        PartTable() = default;
+        PartTable(const PartTable&) = delete;
+        PartTable& operator=(const PartTable&) = delete;
+        ~PartTable() { release(); }
+
+        // Empty slots for `count` parts, in `storage` (room for `count`) or on the heap.
+        void init(NodePart** storage, std::uint32_t count);
+        std::size_t size() const { return _size; }
+        bool        empty() const { return _size == 0; }
+        NodePart*&  operator[](std::size_t i) { return _data[i]; }
+        NodePart*   operator[](std::size_t i) const { return _data[i]; }
+        NodePart*   back() const { return _data[_size - 1]; }
+        void        pop_back() { --_size; }
+        void        push_back(NodePart* part);
+        NodePart* const* begin() const { return _data; }
+        NodePart* const* end() const { return _data + _size; }
+
+    private:
+        void release();
+
+        NodePart**    _data = nullptr;
+        std::uint32_t _size = 0;
+        std::uint32_t _capacity : 31 = 0;
+        std::uint32_t _onHeap : 1 = 0;
+    };
 
     NodeType*                          _type;
     NodeProc*                          _proc = nullptr;
     NodeNameSpace*                     _nameSpace;
     std::shared_ptr<const std::string> _name;
-    mutable std::string                _idStr;
+    // Made on first use: most nodes never print their ID text.
+    mutable std::unique_ptr<std::string> _idStr;
     std::uint64_t                      _ID = 0;
     NodeState                          _state = Creation;
     NodeCreator                        _creator = UnknownCreator;
@@ -266,12 +312,17 @@ private:
     PartMask                           _logFeatureMask;
     PartMask                           _changedMask;
     PartMask                           _isChangingMask;
-    std::vector<NodePart*>             _parts;
+    PartTable                          _parts;
     ParentList                         _parentLinks;
     // The namespace's list of its nodes, and how many of its exports name this node.
     Node*                              _nsPrev = nullptr;
     Node*                              _nsNext = nullptr;
     std::uint32_t                      _exportCount = 0;
+    // The node's place in the ID map.
+    std::uint32_t                      _idSlot = 0;
+    // The part of the block after the node object; null for a node without block.
+    char*                              _area = nullptr;
+    std::uint32_t                      _areaSize = 0;
 };
 
 } // namespace Orvane

@@ -375,6 +375,9 @@ int NodeType::initType(bool force)
     _outSlotMap.clear();
     _logFeatureMask.reset();
     _additionalParents.clear();
+    _fieldOffsets.clear();
+    _areaSize = 0;
+    _procOffset = NoPlace;
 
     int failures = 0;
     if (!_parentName.empty()) {
@@ -445,6 +448,7 @@ int NodeType::initType(bool force)
     }
     if (!_descVec.empty() && _descVec[0] && _descVec[0]->ownerType() == &Node::classType())
         _logFeatureMask = _descVec[0]->mask();
+    computeLayout();
 
     for (const std::string& extraName : _additionalNames) {
         NodeType* extra = NodeTypeNameSpace::findType(_nameSpace, extraName, CaseSensitive);
@@ -474,6 +478,35 @@ int NodeType::initType(bool force)
     }
     setStatusID();
     return failures;
+}
+
+void NodeType::computeLayout()
+{
+    // The area after the node object starts at the allocator's alignment; nothing in it may
+    // ask for more.
+    constexpr std::uint32_t maxAlign = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
+    auto alignUp = [](std::uint32_t at, std::uint32_t align) { return (at + align - 1) & ~(align - 1); };
+    std::uint32_t at = 0;
+    _fieldOffsets.assign(_descVec.size(), NoPlace);
+    for (std::size_t i = 0; i < _descVec.size(); ++i) {
+        const NodePartDesc* desc = _descVec[i];
+        const FieldType* fieldType = desc && desc->holdsField() ? FieldType::findType(desc->dataType()) : nullptr;
+        if (!fieldType || !fieldType->placeSize() || fieldType->placeAlign() > maxAlign)
+            continue;
+        at = alignUp(at, fieldType->placeAlign());
+        _fieldOffsets[i] = at;
+        at += fieldType->placeSize();
+    }
+    at = alignUp(at, alignof(NodePart*));
+    _partTableOffset = at;
+    at += static_cast<std::uint32_t>(_descVec.size() * sizeof(NodePart*));
+    _procOffset = NoPlace;
+    if (_procFactory == &Node::createProc) {
+        at = alignUp(at, alignof(NodeProc));
+        _procOffset = at;
+        at += sizeof(NodeProc);
+    }
+    _areaSize = alignUp(at, maxAlign);
 }
 
 int NodeType::initTypeTree(bool force)
@@ -651,7 +684,12 @@ Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator cre
     if (!_isInitialized)
         self.initType(false);
 
+    // The creator's `new` of the node takes the block laid out for this type; a creator that
+    // makes another node first hands the request on to that one's own createNode, which
+    // gives it back afterwards.
+    const NodeType* outer = Node::requestBlock(this);
     Node* node = _creator(self, *ns, nodeName.empty() ? nullptr : nodeName.c_str());
+    Node::requestBlock(outer);
     if (!node) {
         ORV_WARNING("Could not create %s node in NodeType::createNode()\n", _name.c_str());
         return nullptr;
@@ -662,8 +700,13 @@ Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator cre
     for (NodePartDesc* desc : _descVec)
         if (desc && desc->holdsField())
             node->makeField(desc->ID(), true);
-    if (!node->proc())
-        node->setProc(createProc(*node));
+    if (!node->proc()) {
+        // The default processor has its room in the block, when the node got one.
+        if (node->_area && _procOffset != NoPlace && _procOffset + sizeof(NodeProc) <= node->_areaSize)
+            node->setProc(::new (node->_area + _procOffset) NodeProc(*node));
+        else
+            node->setProc(createProc(*node));
+    }
 
     if (_statusID == DeprecatedStatus)
         ORV_FATAL("%s/%s Type is DEPRECATED: %s\n", _name.c_str(), node->getIDStr().c_str(), _comment.c_str());

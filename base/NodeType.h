@@ -150,6 +150,17 @@ private:
     // Adds `delta` to this type's node count and to every ancestor's.
     void changeObjCounter(int delta) const;
     void setStatusID();
+    // Lays out the block of this type's nodes after the node object.
+    void computeLayout();
+
+    // The block layout, relative to the end of the node object: each part's field offset
+    // (NoPlace for a part whose field is made on the heap), the part table and the default
+    // processor (NoPlace when the type's processors come from elsewhere).
+    static constexpr std::uint32_t NoPlace = ~0u;
+    std::vector<std::uint32_t> _fieldOffsets;
+    std::uint32_t              _partTableOffset = 0;
+    std::uint32_t              _procOffset = NoPlace;
+    std::uint32_t              _areaSize = 0;
 
     NodeTypeNameSpace*   _nameSpace;
     Component*           _compObj = nullptr;

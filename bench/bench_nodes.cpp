@@ -1,7 +1,8 @@
 // Node creation and release: nodes of a type with ten fields of mixed types made through
 // NodeType::createNode and released again, at 10,000, 100,000 and 1,000,000 nodes, beside a plain
-// struct with the same ten members made with new and delete. Heap bytes per node are measured by
-// this program's own operator new/delete, which count the bytes that are live.
+// struct with the same ten members made with new and delete. Heap bytes and allocations per node
+// are measured by this program's own operator new/delete, which count the bytes that are live and
+// the calls made.
 #include "base/Color3f.h"
 #include "base/MathTypes.h"
 #include "base/Node.h"
@@ -21,8 +22,10 @@
 
 namespace {
 
-// Live heap bytes as the allocator hands them out (usable size, so rounding is counted).
+// Live heap bytes as the allocator hands them out (usable size, so rounding is counted), and
+// the number of allocations made.
 long long liveBytes = 0;
+long long allocations = 0;
 
 void* allocate(std::size_t size)
 {
@@ -30,6 +33,7 @@ void* allocate(std::size_t size)
     if (!p)
         throw std::bad_alloc();
     liveBytes += static_cast<long long>(malloc_usable_size(p));
+    ++allocations;
     return p;
 }
 
@@ -81,26 +85,44 @@ BenchType& benchType()
     return t;
 }
 
-void createRelease(benchmark::State& state, int count)
+// Makes `count` objects with `make`, measures what they hold, releases them with `drop`; the
+// counters give per node the time (create and release), the live heap bytes and the allocations.
+template <class T, class Make, class Drop>
+void measure(benchmark::State& state, int count, Make make, Drop drop)
 {
-    BenchType& bt = benchType();
-    std::vector<Node*> nodes;
+    std::vector<T*> nodes;
     nodes.reserve(static_cast<std::size_t>(count));
     double bytesPerNode = 0;
+    double allocsPerNode = 0;
     for (auto _ : state) {
-        const long long before = liveBytes;
-        for (int i = 0; i < count; ++i) {
-            Node* node = bt.type.createNode(bt.nameSpace.get());
-            node->addRef();
-            nodes.push_back(node);
-        }
-        bytesPerNode = double(liveBytes - before) / count;
-        for (Node* node : nodes)
-            node->subRef();
+        const long long bytesBefore = liveBytes;
+        const long long allocsBefore = allocations;
+        for (int i = 0; i < count; ++i)
+            nodes.push_back(make());
+        bytesPerNode = double(liveBytes - bytesBefore) / count;
+        allocsPerNode = double(allocations - allocsBefore) / count;
+        for (T* node : nodes)
+            drop(node);
         nodes.clear();
     }
     state.SetItemsProcessed(int64_t(state.iterations()) * count);
     state.counters["bytes_per_node"] = bytesPerNode;
+    state.counters["allocs_per_node"] = allocsPerNode;
+    state.counters["time_per_node"] =
+        benchmark::Counter(count, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+void createRelease(benchmark::State& state, int count)
+{
+    BenchType& bt = benchType();
+    measure<Node>(
+        state, count,
+        [&] {
+            Node* node = bt.type.createNode(bt.nameSpace.get());
+            node->addRef();
+            return node;
+        },
+        [](Node* node) { node->subRef(); });
 }
 
 // The same ten members in a plain struct: what the values alone cost.
@@ -119,20 +141,7 @@ struct PlainNode {
 
 void createReleasePlain(benchmark::State& state, int count)
 {
-    std::vector<PlainNode*> nodes;
-    nodes.reserve(static_cast<std::size_t>(count));
-    double bytesPerNode = 0;
-    for (auto _ : state) {
-        const long long before = liveBytes;
-        for (int i = 0; i < count; ++i)
-            nodes.push_back(new PlainNode);
-        bytesPerNode = double(liveBytes - before) / count;
-        for (PlainNode* node : nodes)
-            delete node;
-        nodes.clear();
-    }
-    state.SetItemsProcessed(int64_t(state.iterations()) * count);
-    state.counters["bytes_per_node"] = bytesPerNode;
+    measure<PlainNode>(state, count, [] { return new PlainNode; }, [](PlainNode* node) { delete node; });
 }
 
 } // namespace

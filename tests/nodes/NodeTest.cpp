@@ -50,6 +50,34 @@ TEST_F(NodeTest, IDTextsAddressesAndTheIDMap)
     EXPECT_EQ(Node::findNode(id), nullptr);
 }
 
+// Departures leave holes in the ID map that are squeezed out on the way: the survivors are
+// still found by ID and listed in ID order.
+TEST_F(NodeTest, IDMapAfterManyDepartures)
+{
+    const std::size_t before = Node::idMapSize();
+    std::vector<SmartPtr<Node>> nodes;
+    for (int i = 0; i < 300; ++i)
+        nodes.push_back(scope.make("Thing"));
+    std::vector<Node*> kept;
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        if (i % 7 == 3)
+            kept.push_back(nodes[i].get());
+        else
+            nodes[i] = nullptr;
+    }
+    EXPECT_EQ(Node::idMapSize(), before + kept.size());
+    for (Node* node : kept)
+        EXPECT_EQ(Node::findNode(node->ID()), node);
+    std::vector<Node*> listed;
+    Node::fillNodeVec(listed, &thing, false);
+    EXPECT_EQ(listed, kept);
+    SmartPtr<Node> fresh = scope.make("Thing");
+    EXPECT_EQ(Node::findNode(fresh->ID()), fresh.get());
+    nodes.clear();
+    fresh = nullptr;
+    EXPECT_EQ(Node::idMapSize(), before);
+}
+
 TEST_F(NodeTest, FieldsAndSlotsBySearchOrder)
 {
     SmartPtr<Node> node = scope.make("Holder", "H");
@@ -106,6 +134,16 @@ TEST_F(NodeTest, DynamicFieldsFollowTheTypeParts)
     EXPECT_TRUE(node->removeDynamicField(3));
     EXPECT_FALSE(node->hasDynamicField());
     EXPECT_EQ(node->partCount(), 3u);
+
+    // More dynamic fields than the part table in the node's block holds; a clone has them too.
+    for (int i = 0; i < 9; ++i)
+        node->addDynamicField(ExposedFieldPartType, SFFloatType, ("d" + std::to_string(i)).c_str(), 0,
+                              std::to_string(i).c_str());
+    ASSERT_EQ(node->partCount(), 12u);
+    SmartPtr<Node> copy = node->clone();
+    ASSERT_EQ(copy->partCount(), 12u);
+    EXPECT_EQ(static_cast<SFFloat*>(copy->findField("d8"))->value(), 8.0f);
+    EXPECT_EQ(copy->findField(2u)->dataType(), SFFloatType);
 }
 
 TEST_F(NodeTest, FieldChangesDuringTheirOwnProcessingAreDropped)
