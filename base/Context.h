@@ -137,6 +137,8 @@ public:
     bool setRootState(const double& time, NodeState state);
 
     const std::vector<Command>& commandQueue() const { return _commandQueue; }
+    // Appends a command as it is; load() is the usual way in.
+    void addCommand(Command command) { _commandQueue.push_back(std::move(command)); }
 
     // --- the command line ---
     // Arguments from index 1: a URL is loaded into a new context appended to `out` (each with a
