@@ -2,7 +2,6 @@
 // the command line.
 #include "base/Context.h"
 #include "base/ContextSetup.h"
-#include "base/NodeProc.h"
 #include "base/SFFloat.h"
 #include "base/SFInt32.h"
 #include "base/System.h"
@@ -34,12 +33,6 @@ SceneType& sceneB()
 struct RecordingListener : Context::BrowserListener {
     void browserAction(Action action) override { actions.push_back(action); }
     std::vector<int> actions;
-};
-
-// The processor of a context root hands the frame values over.
-struct ClockProc : NodeProc {
-    using NodeProc::NodeProc;
-    bool tick(double time, double target) { return setContextState(time, 60.0, target, 1.0 / 60.0, 2.5f); }
 };
 
 struct ContextFrameTest : ::testing::Test {

@@ -3,6 +3,7 @@
 
 #include "base/Context.h"
 #include "base/MFNode.h"
+#include "base/NodeProc.h"
 #include "base/Observer.h"
 #include "base/Subject.h"
 #include "tests/support/TestNodes.h"
@@ -37,6 +38,12 @@ private:
     std::unique_ptr<NodeTypeNameSpace> _typeNameSpace;
     NodePartDesc                       _desc;
     std::unique_ptr<NodeType>          _type;
+};
+
+// The processor of a context root, handing the frame values over as a clock module would.
+struct ClockProc : NodeProc {
+    using NodeProc::NodeProc;
+    bool tick(double time, double target) { return setContextState(time, 60.0, target, 1.0 / 60.0, 2.5f); }
 };
 
 // Answers the "loadContext" requests for as long as it lives, with whatever `make` returns
