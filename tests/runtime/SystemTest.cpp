@@ -144,6 +144,9 @@ TEST_F(SystemTest, ExitRunsItsStepsInOrderAndReportsWhatIsLeft)
 struct ContextBagTest : SystemTest {
     SceneType scene{"BagScene"};
 
+    // The roots go before their type does.
+    ~ContextBagTest() override { system.clearContexts(); }
+
     // A listed context whose frames ask for the next one after 1/rate seconds.
     Context& listed(double rate)
     {
