@@ -258,9 +258,6 @@ void Context::setFrameValues(const double& timeStamp, double frameRate, double t
 
 void Context::dispatchCommandQueue()
 {
-    // Held for the whole dispatch, so that a listener letting the context go cannot end it
-    // half way.
-    SmartPtr<Context> keep(this);
     addExternRef();
     // Commands queued while these run wait for the next frame.
     std::vector<Command> commands;
@@ -416,7 +413,6 @@ bool Context::mergeRoot(Context& other, NodeType* glue)
 {
     if (&other == this)
         return false;
-    SmartPtr<Context> keep(&other);
     bool ok = true;
     std::vector<Node*> roots;
     other.getRootVec(roots);

@@ -28,15 +28,20 @@ void TaskManager::addTask(Task* task)
 {
     if (!task)
         return;
+    bool queued;
     {
         std::lock_guard<Tessil::Mutex> lock(_mutex);
-        if (_numThreads != 0) {
+        queued = _numThreads != 0;
+        if (queued)
             _queue.push_back(task);
-            _semaphore.post();
-            return;
-        }
     }
-    task->run();
+    if (!queued) {
+        task->run();
+        return;
+    }
+    // Raised after the unlock, so that the woken worker does not run into our lock. A worker
+    // woken for a task taken back meanwhile finds the queue short and waits again.
+    _semaphore.post();
 }
 
 bool TaskManager::releaseTask(Task* task)
@@ -137,9 +142,12 @@ void TaskManager::threadLoop()
         _mutex.lock();
         --_numWorking;
         self->task = nullptr;
-        _mutex.unlock();
-        _semaphore.wait();
-        _mutex.lock();
+        // With more work counted the worker goes on without letting the lock go in between.
+        if (!_semaphore.tryWait()) {
+            _mutex.unlock();
+            _semaphore.wait();
+            _mutex.lock();
+        }
     }
     _mutex.unlock();
 }
@@ -154,14 +162,14 @@ void TaskManager::shutdown()
             if (worker->task)
                 worker->task->abort();
         _semaphore.post(static_cast<unsigned>(_workers.size()));
-        workers = _workers;
+        // Taken out of the list now: a worker that only starts may still look for itself in it
+        // while the ones before it are joined and deleted.
+        workers.swap(_workers);
     }
     for (Worker* worker : workers) {
         worker->thread.join();
         delete worker;
     }
-    std::lock_guard<Tessil::Mutex> lock(_mutex);
-    _workers.clear();
 }
 
 } // namespace Orvane

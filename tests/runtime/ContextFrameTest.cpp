@@ -162,7 +162,7 @@ TEST_F(ContextFrameTest, InvalidAndSkippedCommandsLeaveTheOthersRunning)
 
 TEST_F(ContextFrameTest, MergeMovesChildrenIntoTheRootOfTheSameType)
 {
-    TestNodeType leaf{"FrameLeaf", {}};
+    static TestNodeType leaf{"FrameLeaf", {}};  // outlives the fixture's context
     Node* mine = sceneA().makeRoot(*context);
     Node* theirs = nullptr;
     SmartPtr<Context> other = sceneWith(sceneA(), &theirs);
