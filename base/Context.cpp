@@ -423,10 +423,18 @@ bool Context::mergeRoot(Context& other, NodeType* glue)
                  glue ? glue->name().c_str() : "None");
         SmartPtr<Node> hold(root);
         Node* mine = findRoot(root->type());
-        if (mine && mine != root)
+        if (mine && mine != root) {
+            // The nodes move over to this scene's namespace: theirs ends with their root.
+            std::vector<Node*> moved;
+            root->collectAllChildren(moved);
+            NodeNameSpace& from = root->nameSpace();
+            for (Node* node : moved)
+                if (&node->nameSpace() == &from)
+                    node->transfer(_timeStamp, mine->nameSpace());
             ok = mine->merge(*root) && ok;
-        else
+        } else {
             ok = addRoot(*root) && ok;
+        }
         other.removeRoot(root->type());
     }
     if (!other._sourceUrl.empty() && _sourceUrl.empty())

@@ -315,15 +315,15 @@ void moveClock(const double& time, Observer*, BaseObject*, BaseObject*, BaseObje
 void runtimeDemo()
 {
     static NodePartDesc worldParts[] = {
-        NodePartDesc(0, PartMask::bit(0), ExposedFieldPartType, MFNodeType, NodePartDesc::CtorAutoProcess,
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, MFNodeType, NodePartDesc::CtorAutoProcess,
                      "children"),
     };
     static NodePartDesc tickerParts[] = {
         NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFTimeType, NodePartDesc::CtorAutoProcess, "time",
                      nullptr, "0"),
     };
-    // A context root type of its own (no parent), and a node that passes a time on.
-    static NodeType world(theBaseNodeTypeFactory(), "DemoWorld", "Demo", nullptr, nullptr, "1.0", "Demo", nullptr,
+    // A context root type, and a node that passes a time on.
+    static NodeType world(theBaseNodeTypeFactory(), "DemoWorld", "Demo", "Node", nullptr, "1.0", "Demo", nullptr,
                           "stable", "A demo scene root", "Orvane", false, true, &Node::isNodeType, &Node::createNode,
                           &WorldClock::create, worldParts, 1);
     static NodeType ticker(theBaseNodeTypeFactory(), "Ticker", "Demo", "Node", nullptr, "1.0", "Demo", nullptr,
@@ -347,6 +347,7 @@ void runtimeDemo()
     ticker.createNode(root, "Dial");
     root->nameSpace().createRoute("Clock", "time", "Hand", "time");
     root->nameSpace().createRoute("Hand", "time", "Dial", "time");
+    context->setRootState(0.0, Live);
     Observer frames(context->runFrameSubject());
     frames.addCallback(&moveClock, clock);
 
@@ -375,10 +376,9 @@ void runtimeDemo()
         } else {
             std::printf("  frame %d:\n", frame);
         }
-        // Without worker threads busy elsewhere the read is done within a frame or two.
         double next = System::runContextBag();
         std::printf("    next frame in %.2f s; the world has %u children\n", next,
-                    static_cast<MFNode*>(root->findField(0u))->size());
+                    static_cast<MFNode*>(root->findField("children"))->size());
         Tessil::Thread::sleep(20);
     }
 

@@ -167,14 +167,17 @@ TEST_F(ContextFrameTest, MergeMovesChildrenIntoTheRootOfTheSameType)
     Node* theirs = nullptr;
     SmartPtr<Context> other = sceneWith(sceneA(), &theirs);
     SceneType::children(*mine).addChild(leaf.make().get());
-    SceneType::children(*theirs).addChild(leaf.make().get());
+    Node* moved = leaf.type().createNode(theirs, "Moved");  // lives in the other scene's namespace
 
     EXPECT_TRUE(context->mergeRoot(*other, &sceneB().type()));  // glued by a type it lacks: nothing moves
     EXPECT_EQ(other->rootCount(), 1u);
     EXPECT_TRUE(context->mergeRoot(*other, nullptr));
     EXPECT_EQ(context->findRoot(sceneA().type()), mine);
-    EXPECT_EQ(SceneType::children(*mine).size(), 2u);
-    EXPECT_EQ(other->rootCount(), 0u);
+    other = nullptr;  // and with it the other scene's namespace
+    ASSERT_EQ(SceneType::children(*mine).size(), 2u);
+    EXPECT_EQ(SceneType::children(*mine).childNode(1), moved);
+    EXPECT_EQ(&moved->nameSpace(), &mine->nameSpace());
+    EXPECT_EQ(mine->nameSpace().findNode("Moved"), moved);
     EXPECT_FALSE(context->mergeRoot(*context, nullptr));
 }
 
