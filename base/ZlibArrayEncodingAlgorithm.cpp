@@ -91,19 +91,21 @@ void ZlibArrayEncodingAlgorithm::dequantize(const unsigned char* bits, std::size
                                             int mantissaBits, bool keepSign, float* out, std::size_t count)
 {
     const unsigned width = unsigned(exponentBits + mantissaBits + 1);  // 2 to 32
-    const unsigned mantissa = unsigned(mantissaBits);
-    const std::uint32_t mantissaMask = (std::uint32_t(1) << mantissa) - 1;
-    const std::uint32_t exponentMask = (std::uint32_t(1) << exponentBits) - 1;
-    const std::uint32_t signMask = keepSign ? 1 : 0;
-    const int bias = 127 - (1 << (exponentBits - 1));
+    // Each value is handled as the 32 bits that begin with it: the value on top, the bits of the
+    // next ones below. Shifted down past the sign, its exponent ends on the float's exponent field
+    // and its mantissa starts the float's mantissa; the bits below the mantissa are cut off.
+    const std::uint32_t valueMask = ~std::uint32_t(0) << (32 - width);
+    const std::uint32_t signBit = keepSign ? 0x80000000u : 0;
+    const unsigned fieldShift = unsigned(9 - exponentBits);
+    const std::uint32_t fieldMask = ~((std::uint32_t(1) << (23 - mantissaBits)) - 1) >> 1;
+    const std::int32_t bias = (127 - (1 << (exponentBits - 1))) * (1 << 23);
 
-    auto build = [=](std::uint32_t q) {
+    auto build = [=](std::uint32_t top) {
+        auto field = std::int32_t(((top << 1) >> fieldShift) & fieldMask) + bias;
         // With 8 exponent bits the stored exponent 0 would land one below the float's range:
         // it goes to the bottom of it instead.
-        int exponent = std::max(int((q >> mantissa) & exponentMask) + bias, 0);
-        std::uint32_t word = ((q >> (width - 1)) & signMask) << 31 | std::uint32_t(exponent) << 23 |
-                             (q & mantissaMask) << (23 - mantissa);
-        return std::bit_cast<float>(q ? word : 0u);
+        field = field < 0 ? field + (1 << 23) : field;
+        return std::bit_cast<float>(top & valueMask ? (top & signBit) | std::uint32_t(field) : 0u);
     };
 
     // A value of at most 32 bits starting anywhere in a byte lies within the 8 bytes from that byte;
@@ -116,14 +118,14 @@ void ZlibArrayEncodingAlgorithm::dequantize(const unsigned char* bits, std::size
         std::memcpy(&word, bits + (bit >> 3), sizeof word);
         if constexpr (std::endian::native == std::endian::little)
             word = __builtin_bswap64(word);
-        out[i] = build(std::uint32_t((word << (bit & 7)) >> (64 - width)));
+        out[i] = build(std::uint32_t((word << (bit & 7)) >> 32));
     }
     for (; i < count; ++i, bit += width) {
         std::uint64_t word = 0;
         std::size_t at = bit >> 3;
         for (std::size_t k = at; k < at + 8; ++k)
             word = word << 8 | (k < size ? bits[k] : 0);
-        out[i] = build(std::uint32_t((word << (bit & 7)) >> (64 - width)));
+        out[i] = build(std::uint32_t((word << (bit & 7)) >> 32));
     }
 }
 

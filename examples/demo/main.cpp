@@ -32,6 +32,8 @@
 
 using namespace Orvane;
 
+void arrayDecodingDemo();  // ArrayDecodingDemo.cpp
+
 namespace {
 
 // Prints every change of the field it listens to.
@@ -312,5 +314,6 @@ int main()
     conversionDemo(*lamp);
     sceneDemo();
     eventDemo();
+    arrayDecodingDemo();
     return 0;
 }
