@@ -2,7 +2,6 @@
 
 #include "platform/xeltra/EncodingAlgorithmRegistry.h"
 
-#include <memory>
 #include <vector>
 
 namespace Orvane {
@@ -31,23 +30,13 @@ Xeltra::EncodedData& QuantizedzlibFloatArrayEncodingAlgorithm::decodeFromInputSt
     const int mantissaBits = payload[1];
     const auto size = static_cast<std::int32_t>(bigEndian32(payload.data() + 2));
     const auto count = static_cast<std::int32_t>(bigEndian32(payload.data() + 6));
-    const std::size_t streamLength = payload.size() - headerSize;
     checkQuantization(exponentBits, mantissaBits);
     checkNotNegative(size, "size");
     checkNotNegative(count, "count");
-    checkInflatable(std::uint64_t(size), streamLength);
     const auto width = unsigned(exponentBits + mantissaBits + 1);
     if (std::uint64_t(count) * width > std::uint64_t(size) * 8)
         reject("%d values of %u bits do not fit in %d bytes", count, width, size);
-
-    std::unique_ptr<unsigned char[]> bits = std::make_unique_for_overwrite<unsigned char[]>(std::size_t(size));
-    inflate(payload.data() + headerSize, streamLength, bits.get(), std::size_t(size));
-    payload = {};
-
-    std::vector<float>& values = _result.makeFloatArray();
-    values.resize(std::size_t(count));
-    dequantize(bits.get(), std::size_t(size), exponentBits, mantissaBits, true, values.data(), values.size());
-    return _result;
+    return decodeQuantized(payload, headerSize, exponentBits, mantissaBits, true, count, std::uint64_t(size));
 }
 
 } // namespace Orvane

@@ -2,7 +2,6 @@
 
 #include "platform/xeltra/EncodingAlgorithmRegistry.h"
 
-#include <memory>
 #include <vector>
 
 namespace Orvane {
@@ -30,24 +29,15 @@ Xeltra::EncodedData& QuantizedzlibFloatArrayEncodingAlgorithmV2::decodeFromInput
     const int exponentBits = payload[0] & 0x7F;
     const int mantissaBits = static_cast<signed char>(payload[1]);
     const auto count = static_cast<std::int32_t>(bigEndian32(payload.data() + 2));
-    const std::size_t streamLength = payload.size() - headerSize;
     checkQuantization(exponentBits, mantissaBits);
     checkNotNegative(count, "count");
-    // The size is not stored. It is worked out in single precision and truncated, as the format's
-    // encoders expect: when the bits do not fill the last byte, that byte is not counted, and a
-    // stream that holds it overflows the buffer. The missing bits of the last value read as zero.
+    // The size is not stored: it is worked out in single precision and truncated, as it always has
+    // been, not rounded up. When the bits do not fill the last byte, that byte is not counted and a
+    // stream that holds it overflows the buffer; a stream without it decodes, the last value's
+    // missing bits reading as zero.
     const auto size = static_cast<std::uint64_t>(
         static_cast<float>(std::int64_t(exponentBits + mantissaBits + 1) * count) * 0.125f);
-    checkInflatable(size, streamLength);
-
-    std::unique_ptr<unsigned char[]> bits = std::make_unique_for_overwrite<unsigned char[]>(std::size_t(size));
-    inflate(payload.data() + headerSize, streamLength, bits.get(), size);
-    payload = {};
-
-    std::vector<float>& values = _result.makeFloatArray();
-    values.resize(std::size_t(count));
-    dequantize(bits.get(), std::size_t(size), exponentBits, mantissaBits, keepSign, values.data(), values.size());
-    return _result;
+    return decodeQuantized(payload, headerSize, exponentBits, mantissaBits, keepSign, count, size);
 }
 
 } // namespace Orvane

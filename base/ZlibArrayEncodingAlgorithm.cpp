@@ -9,6 +9,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 namespace Orvane {
 
@@ -87,8 +88,10 @@ void ZlibArrayEncodingAlgorithm::inflate(const unsigned char* stream, std::size_
                static_cast<unsigned long long>(inflated), static_cast<unsigned long long>(size));
 }
 
-void ZlibArrayEncodingAlgorithm::dequantize(const unsigned char* bits, std::size_t size, int exponentBits,
-                                            int mantissaBits, bool keepSign, float* out, std::size_t count)
+namespace {
+
+void dequantize(const unsigned char* bits, std::size_t size, int exponentBits, int mantissaBits, bool keepSign,
+                float* out, std::size_t count)
 {
     const unsigned width = unsigned(exponentBits + mantissaBits + 1);  // 2 to 32
     // Each value is handled as the 32 bits that begin with it: the value on top, the bits of the
@@ -97,7 +100,7 @@ void ZlibArrayEncodingAlgorithm::dequantize(const unsigned char* bits, std::size
     const std::uint32_t valueMask = ~std::uint32_t(0) << (32 - width);
     const std::uint32_t signBit = keepSign ? 0x80000000u : 0;
     const unsigned fieldShift = unsigned(9 - exponentBits);
-    const std::uint32_t fieldMask = ~((std::uint32_t(1) << (23 - mantissaBits)) - 1) >> 1;
+    const std::uint32_t fieldMask = ~((std::uint32_t(1) << (23 - mantissaBits)) - 1);
     const std::int32_t bias = (127 - (1 << (exponentBits - 1))) * (1 << 23);
 
     auto build = [=](std::uint32_t top) {
@@ -127,6 +130,25 @@ void ZlibArrayEncodingAlgorithm::dequantize(const unsigned char* bits, std::size
             word = word << 8 | (k < size ? bits[k] : 0);
         out[i] = build(std::uint32_t((word << (bit & 7)) >> 32));
     }
+}
+
+} // namespace
+
+Xeltra::EncodedData& ZlibArrayEncodingAlgorithm::decodeQuantized(std::vector<unsigned char>& payload,
+                                                                 std::size_t headerSize, int exponentBits,
+                                                                 int mantissaBits, bool keepSign, std::int32_t count,
+                                                                 std::uint64_t size)
+{
+    const std::size_t streamLength = payload.size() - headerSize;
+    checkInflatable(size, streamLength);
+    std::unique_ptr<unsigned char[]> bits = std::make_unique_for_overwrite<unsigned char[]>(std::size_t(size));
+    inflate(payload.data() + headerSize, streamLength, bits.get(), size);
+    payload = {};
+
+    std::vector<float>& values = _result.makeFloatArray();
+    values.resize(std::size_t(count));
+    dequantize(bits.get(), std::size_t(size), exponentBits, mantissaBits, keepSign, values.data(), values.size());
+    return _result;
 }
 
 } // namespace Orvane

@@ -47,11 +47,13 @@ protected:
     // Fails unless E exponent and M mantissa bits describe numbers a float can hold: 1 to 8
     // exponent bits (the bias 2^(E-1) needs one), 0 to 23 mantissa bits.
     void checkQuantization(int exponentBits, int mantissaBits);
-    // Rebuilds count floats of exponentBits + mantissaBits + 1 bits each, packed most significant
-    // bit first from bit 0 of the size bytes at bits; bits beyond size read as zero. keepSign false
-    // ignores each value's top bit.
-    static void dequantize(const unsigned char* bits, std::size_t size, int exponentBits, int mantissaBits,
-                           bool keepSign, float* out, std::size_t count);
+    // The quantised forms after their headers: inflates the stream after headerSize bytes of
+    // payload into size bytes and rebuilds count floats of E + M + 1 bits each, packed most
+    // significant bit first; bits beyond size read as zero. keepSign false ignores each value's
+    // top bit. The payload is released once inflated.
+    Xeltra::EncodedData& decodeQuantized(std::vector<unsigned char>& payload, std::size_t headerSize,
+                                         int exponentBits, int mantissaBits, bool keepSign, std::int32_t count,
+                                         std::uint64_t size);
 
     static std::uint32_t bigEndian32(const unsigned char* bytes)
     {

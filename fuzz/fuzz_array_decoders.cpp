@@ -40,7 +40,7 @@ std::uint32_t bigEndian32(const std::string& in, std::size_t at)
 // A valid empty array of each kind: decoding it first gives hold of the algorithm's result.
 const std::string& emptyPayload(unsigned kind)
 {
-    static const std::string payloads[4] = [] {
+    static const std::array<std::string, 4> payloads = [] {
         uLongf packed = 64;
         std::string stream(packed, '\0');
         compress(reinterpret_cast<Bytef*>(stream.data()), &packed, reinterpret_cast<const Bytef*>(""), 0);
