@@ -11,6 +11,7 @@
 #include <mutex>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Orvane {
@@ -106,6 +107,20 @@ public:
     NodeType*    isDefaultDescendantOf() const;
     bool         setDefaultDescendant(NodeType* type);
 
+    // Multiple inheritance of abstract types: further types this one is a kind of beside its
+    // parent (an X3D grouping node is also a bounded object). Named before initType, which
+    // resolves them; their descriptors are not merged, the type declares those fields itself.
+    void                          addAdditionalParent(const char* name);
+    const std::vector<NodeType*>& additionalParents() const { return _additionalParents; }
+    // isA that also follows the additional parents of this type and of its ancestors.
+    bool         isKindOf(const NodeType& other) const;
+    // The shortest step count to `other` along parents and additional parents; -1 when none.
+    std::int32_t kindDistance(const NodeType& other) const;
+
+    // Another name for one of the type's parts (a field renamed between standard versions): from
+    // initType on, the alias and its slot names find the part wherever its own names do.
+    void addPartAlias(const char* alias, const char* partName);
+
     // Completes the type once all types exist; the number of failures. `force` runs it again.
     int        initType(bool force = false);
     static int initTypeTree(bool force = false);
@@ -130,6 +145,8 @@ private:
     friend class Node;
     friend class NodeTypeNameSpace;
 
+    bool         kindOf(const NodeType& other, unsigned depth) const;
+    std::int32_t kindDistance(const NodeType& other, unsigned depth) const;
     // Adds `delta` to this type's node count and to every ancestor's.
     void changeObjCounter(int delta) const;
     void setStatusID();
@@ -167,6 +184,9 @@ private:
     DescMap              _inSlotMap;
     DescMap              _outSlotMap;
     PartMask             _logFeatureMask;
+    std::vector<std::string> _additionalNames;
+    std::vector<NodeType*>   _additionalParents;
+    std::vector<std::pair<std::string, std::string>> _partAliases;  // alias, part name
 };
 
 } // namespace Orvane
