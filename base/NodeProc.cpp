@@ -16,6 +16,8 @@ void NodeProc::exportEvent(EventOutSlot& slot, Field& value, const double& time)
 Node* NodeProc::copy(CopyAction& action)
 {
     return _node ? action.copyNode(*_node) : nullptr;
+}
+
 bool NodeProc::setContextState(const double& timeStamp, double frameRate, double targetRate, double frameTime,
                                float navSpeed)
 {

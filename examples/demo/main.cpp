@@ -40,6 +40,8 @@
 
 using namespace Orvane;
 
+void arrayDecodingDemo();  // ArrayDecodingDemo.cpp
+
 namespace {
 
 // Prints every change of the field it listens to.
@@ -502,5 +504,6 @@ int main()
     eventDemo();
     copyDemo();
     runtime::runtimeDemo();
+    arrayDecodingDemo();
     return 0;
 }

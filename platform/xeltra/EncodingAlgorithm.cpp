@@ -48,7 +48,10 @@ std::string EncodingAlgorithm::encodeToBytes(bool flag, const EncodedData& data)
 
 std::size_t EncodingAlgorithm::readPayload(std::istream& in, unsigned int length, std::vector<unsigned char>& buffer)
 {
-    constexpr std::size_t firstChunk = 64 * 1024;
+    // What the stream already holds in memory is there for certain and sizes the first read,
+    // so that a payload in memory is copied once.
+    std::streamsize ready = in.rdbuf() ? in.rdbuf()->in_avail() : 0;
+    const std::size_t firstChunk = std::max<std::size_t>(64 * 1024, ready > 0 ? std::size_t(ready) : 0);
     buffer.clear();
     std::size_t got = 0;
     while (got < length && in) {
