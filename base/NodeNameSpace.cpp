@@ -171,6 +171,17 @@ NodeTypeNameSpace& NodeNameSpace::nodeTypeNameSpace() const
     return *_typeNameSpace;
 }
 
+NodeTypeNameSpace& NodeNameSpace::protoTypeNameSpace()
+{
+    NodeTypeNameSpace& current = nodeTypeNameSpace();
+    if (&current != &theBaseNodeTypeFactory())
+        return current;
+    _typeNameSpace = NodeTypeNameSpace::create(_name.c_str(), &current);
+    _ownsTypeNameSpace = true;
+    ORV_INFO("AUTOCREATE NodeTypeNameSpace %s as child of %s\n", _name.c_str(), current.name().c_str());
+    return *_typeNameSpace;
+}
+
 bool NodeNameSpace::setRoot(Node& root)
 {
     if (_root) {
