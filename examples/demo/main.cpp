@@ -250,10 +250,11 @@ void protoDemo()
     lamp->createBodyNode("Bulb", "Filament");
     lamp->addIsLink("level", "Filament", "brightness");
 
-    std::printf("  DEF Kitchen DimmedLamp {}  DEF Hall DimmedLamp {}  DEF Dimmer Bulb {}\n");
+    std::printf("  DEF Dimmer Bulb {}  DEF Kitchen DimmedLamp {}  DEF Hall DimmedLamp {}\n");
+    SmartPtr<Node> dimmer(NodeType::createNode(scene.get(), "Bulb", "Dimmer", LoaderCreator));
+    scene->setRoot(*dimmer);
     SmartPtr<Node> kitchen(NodeType::createNode(scene.get(), "DimmedLamp", "Kitchen", LoaderCreator));
     SmartPtr<Node> hall(NodeType::createNode(scene.get(), "DimmedLamp", "Hall", LoaderCreator));
-    SmartPtr<Node> dimmer(NodeType::createNode(scene.get(), "Bulb", "Dimmer", LoaderCreator));
     for (Node* n : {kitchen.get(), hall.get(), dimmer.get()})
         n->setNodeState(0.0, Live);
     std::printf("  ROUTE Dimmer.brightness TO Kitchen.level\n");
