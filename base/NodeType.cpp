@@ -532,7 +532,7 @@ NodeType* NodeType::aliasIn(NodeTypeNameSpace& target)
     std::string name = original._name;
     NodeType* known = target.findLocalType(name);
     if (known && known->_isAliasOf != &original) {
-        name += "_" + std::to_string(original._ID);
+        name.append(1, '_').append(std::to_string(original._ID));
         known = target.findLocalType(name);
     }
     if (known && known->_isAliasOf == &original)
