@@ -407,14 +407,7 @@ int NodeType::initType(bool force)
     if (_protoDeclaration)
         return initProtoType();
     ORV_INFO("Init NATIVE Type %s\n", _name.c_str());
-    if (_parentNodeType)
-        _parentNodeType->_derivedNodeTypeList.remove(this);
-    _parentNodeType = nullptr;
-    _descVec.clear();
-    _fieldMap.clear();
-    _inSlotMap.clear();
-    _outSlotMap.clear();
-    _logFeatureMask.reset();
+    clearParts();
 
     int failures = 0;
     if (!_parentName.empty()) {
@@ -454,16 +447,7 @@ int NodeType::initType(bool force)
         desc->init(*this);
         _descVec.push_back(desc);
     }
-    for (NodePartDesc* desc : _descVec) {
-        if (!desc)
-            continue;
-        if (desc->holdsField())
-            _fieldMap.emplace(desc->fieldName(), desc);
-        if (!desc->inSlotName().empty())
-            _inSlotMap.emplace(desc->inSlotName(), desc);
-        if (!desc->outSlotName().empty())
-            _outSlotMap.emplace(desc->outSlotName(), desc);
-    }
+    mapParts();
     if (!_descVec.empty() && _descVec[0] && _descVec[0]->ownerType() == &Node::classType())
         _logFeatureMask = _descVec[0]->mask();
 
@@ -480,22 +464,42 @@ int NodeType::initType(bool force)
     return failures;
 }
 
+void NodeType::clearParts()
+{
+    if (_parentNodeType)
+        _parentNodeType->_derivedNodeTypeList.remove(this);
+    _parentNodeType = nullptr;
+    _descVec.clear();
+    _fieldMap.clear();
+    _inSlotMap.clear();
+    _outSlotMap.clear();
+    _logFeatureMask.reset();
+}
+
+void NodeType::mapParts()
+{
+    for (NodePartDesc* desc : _descVec) {
+        if (!desc)
+            continue;
+        if (desc->holdsField())
+            _fieldMap.emplace(desc->fieldName(), desc);
+        if (!desc->inSlotName().empty())
+            _inSlotMap.emplace(desc->inSlotName(), desc);
+        if (!desc->outSlotName().empty())
+            _outSlotMap.emplace(desc->outSlotName(), desc);
+    }
+}
+
 // A proto type is a kind of the type of its body's first node; its parts are the interface of
 // its declaration only (an alias shares the parts of the type it stands for).
 int NodeType::initProtoType()
 {
     ORV_INFO("Init PROTO Type %s \n", _name.c_str());
     // An external declaration is resolved now: the body it names gives the parent.
-    if (_protoDeclaration->isExternal()) {
+    if (_protoDeclaration->isExternal())
         _protoDeclaration->resolve();
-        _isInitialized = true;
-    }
-    if (_parentNodeType)
-        _parentNodeType->_derivedNodeTypeList.remove(this);
-    _parentNodeType = nullptr;
-    _fieldMap.clear();
-    _inSlotMap.clear();
-    _outSlotMap.clear();
+    _protoChanges = _protoDeclaration->changeCount();
+    clearParts();
     if (_isAliasOf) {
         _isAliasOf->initType(false);
         _localDescVec = _isAliasOf->_localDescVec;
@@ -505,14 +509,7 @@ int NodeType::initProtoType()
     }
     _descVec = _localDescVec;
     _protoPartCount = static_cast<std::uint32_t>(_descVec.size());
-    for (NodePartDesc* desc : _descVec) {
-        if (desc->holdsField())
-            _fieldMap.emplace(desc->fieldName(), desc);
-        if (!desc->inSlotName().empty())
-            _inSlotMap.emplace(desc->inSlotName(), desc);
-        if (!desc->outSlotName().empty())
-            _outSlotMap.emplace(desc->outSlotName(), desc);
-    }
+    mapParts();
     setStatusID();
     NodeType* first = _protoDeclaration->firstBodyType();
     if (!first) {
@@ -708,9 +705,10 @@ Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator cre
         ORV_WARNING("Could not create %s node in NodeType::createNode()\n", _name.c_str());
         return nullptr;
     }
-    // Types are completed at start-up; one made later is completed on its first node.
-    if (!_isInitialized)
-        self.initType(false);
+    // Types are completed at start-up; one made later is completed on its first node, and a
+    // proto type again after its declaration changed.
+    if (!_isInitialized || (_protoDeclaration && _protoDeclaration->changeCount() != _protoChanges))
+        self.initType(true);
 
     Node* node = nullptr;
     if (isProto()) {

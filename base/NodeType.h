@@ -144,10 +144,11 @@ private:
     // Enters the type in the ID map; every constructor does.
     void registerID();
     int  initProtoType();
+    // Forgets the parent and the merged parts; fills the name maps from the merged parts.
+    void clearParts();
+    void mapParts();
     // The alias of this proto type in `target`, made on first need.
     NodeType* aliasIn(NodeTypeNameSpace& target);
-    // The interface changed: descriptors are merged again before the next node is made.
-    void protoChanged() { _isInitialized = false; }
 
     // Adds `delta` to this type's node count and to every ancestor's.
     void changeObjCounter(int delta) const;
@@ -188,6 +189,7 @@ private:
     PartMask             _logFeatureMask;
     SmartPtr<NodeType>   _aliasHold;   // an alias keeps the type it stands for
     SmartPtr<NodeNameSpace> _protoScene;  // where a declaration made without scene lives
+    std::uint32_t        _protoChanges = 0;  // the declaration's change count at initType
 };
 
 } // namespace Orvane

@@ -141,12 +141,6 @@ const std::string& ProtoDeclaration::protoName() const
     return _protoType ? _protoType->name() : none;
 }
 
-void ProtoDeclaration::touchType() const
-{
-    if (_protoType)
-        _protoType->protoChanged();
-}
-
 void ProtoDeclaration::setSource(const std::string& url, int line)
 {
     _sourceURL = url;
@@ -196,7 +190,7 @@ Field* ProtoDeclaration::addField(NodePartType accessType, NodePartDataType fiel
     _fields.emplace_back(field);
     if (_protoType)
         _protoType->_localDescVec.push_back(&desc);
-    touchType();
+    noteChange();
     return field;
 }
 
@@ -276,7 +270,7 @@ bool ProtoDeclaration::addRootNode(Node& node)
     if (_rootNodes.empty() && !_body->root())
         _body->setRoot(node);
     _rootNodes.emplace_back(&node);
-    touchType();
+    noteChange();
     return true;
 }
 
@@ -348,7 +342,7 @@ bool ProtoDeclaration::resolve()
         return false;
     _resolveTried = true;
     bool done = ProtoLibrary::the().resolve(*this);
-    touchType();
+    noteChange();
     return done;
 }
 
@@ -357,7 +351,7 @@ void ProtoDeclaration::setResolved(NodeType* type, const std::string& name)
     _resolvedType = type;
     if (!name.empty())
         _externName = name;
-    touchType();
+    noteChange();
 }
 
 ProtoDeclaration* ProtoDeclaration::resolved() const

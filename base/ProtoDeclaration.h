@@ -114,6 +114,10 @@ public:
     // The declaration that serves body, values and IS links: the resolved one or this.
     const ProtoDeclaration& effective() const;
 
+    // Counts the changes of interface, body and resolution: proto types merge their parts again
+    // when it moved.
+    std::uint32_t changeCount() const { return _changes; }
+
     // Where the declaration was read from; instances' processors take it over.
     const std::string& sourceURL() const { return _sourceURL; }
     int                sourceLine() const { return _sourceLine; }
@@ -132,7 +136,7 @@ private:
     void attach(NodeType& protoType, NodeNameSpace& scene);
     void detachType() { _protoType = nullptr; }
     void setResolved(NodeType* type, const std::string& name);
-    void touchType() const;
+    void noteChange() { ++_changes; }
 
     NodeType*                                   _protoType = nullptr;
     SmartPtr<NodeNameSpace>                     _body;
@@ -147,6 +151,7 @@ private:
     SmartPtr<NodeType>                          _resolvedType;
     std::string                                 _sourceURL;
     int                                         _sourceLine = 0;
+    std::uint32_t                               _changes = 0;
 };
 
 } // namespace Orvane

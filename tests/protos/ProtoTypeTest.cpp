@@ -101,6 +101,11 @@ TEST_F(ProtoTypeTest, UsedFromAnotherTypeNamespaceAPrototypeGoesThroughAnAlias)
     EXPECT_TRUE(boxType.isA(alias));
     EXPECT_FLOAT_EQ(sf(*first, "both"), 1.5f);
     EXPECT_TRUE(body(first, "V"));
+    // A declaration that grows reaches the alias's next instance too.
+    box->addField("inputOutput", "SFFloat", "later", "4");
+    SmartPtr<Node> third = make(*inner, "Box");
+    EXPECT_EQ(&third->type(), &alias);
+    EXPECT_FLOAT_EQ(sf(*third, "later"), 4.0f);
 }
 
 TEST_F(ProtoTypeTest, NamedInstancesInARootlessNamespaceAreReported)
