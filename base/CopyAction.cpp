@@ -14,6 +14,7 @@
 #include "base/SmartPtr.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace Orvane {
 
@@ -56,6 +57,7 @@ void CopyAction::reset()
     _routes.clear();
     _result = nullptr;
     _copies.clear();
+    _copyCount = 0;
     _rootsWithParents = false;
     setOption(defaultCopyOptions, true);
 }
@@ -71,7 +73,7 @@ Node* CopyAction::createCopy(Node& source)
 {
     NodeType& type = source.type();
     // With UseNodes off a node met again gets a copy of its own; the name stays with the first.
-    const bool named = source.hasName() && (useNodes() || !_copies.count(&source));
+    const bool named = source.hasName() && (useNodes() || !knownCopy(source));
     if (named && source.isAutoNamed()) {
         Node* copy = type.createNode(_dstNameSpace, nullptr, source.creator());
         if (copy)
@@ -140,10 +142,54 @@ Node* CopyAction::copyNode(Node& source)
 
 // --- the walk ---
 
+namespace {
+
+// Fibonacci hashing of the node's address into a power-of-two table: the top bits of the
+// product, which every bit of the address stirs.
+std::size_t slotOf(const Node* node, std::size_t capacity)
+{
+    const int bits = std::countr_zero(capacity);
+    return static_cast<std::size_t>((reinterpret_cast<std::uint64_t>(node) * 0x9E3779B97F4A7C15ull) >> (64 - bits));
+}
+
+} // namespace
+
 Node* CopyAction::knownCopy(Node& source) const
 {
-    auto found = _copies.find(&source);
-    return found == _copies.end() ? nullptr : found->second;
+    const std::size_t capacity = _copies.size();
+    if (!capacity)
+        return nullptr;
+    for (std::size_t i = slotOf(&source, capacity);; i = (i + 1) & (capacity - 1)) {
+        if (_copies[i].first == &source)
+            return _copies[i].second;
+        if (!_copies[i].first)
+            return nullptr;
+    }
+}
+
+void CopyAction::remember(Node& source, Node& copy)
+{
+    // At most half full, so that every search ends soon at a free place.
+    if (2 * (_copyCount + 1) > _copies.size()) {
+        std::vector<std::pair<Node*, Node*>> old(std::max<std::size_t>(64, 2 * _copies.size()));
+        old.swap(_copies);
+        _copyCount = 0;
+        for (const auto& entry : old)
+            if (entry.first)
+                remember(*entry.first, *entry.second);
+    }
+    const std::size_t capacity = _copies.size();
+    for (std::size_t i = slotOf(&source, capacity);; i = (i + 1) & (capacity - 1)) {
+        if (_copies[i].first == &source) {
+            _copies[i].second = &copy;
+            return;
+        }
+        if (!_copies[i].first) {
+            _copies[i] = {&source, &copy};
+            ++_copyCount;
+            return;
+        }
+    }
 }
 
 bool CopyAction::link(Field& target, Node* child)
@@ -193,7 +239,7 @@ Node* CopyAction::copyTree(Node& root)
     Node* rootCopy = proc ? proc->copy(*this) : copyNode(root);
     if (!rootCopy)
         return nullptr;
-    _copies[&root] = rootCopy;
+    remember(root, *rootCopy);
     // A root that hangs below other nodes may be met again through them.
     _rootsWithParents = _rootsWithParents || root.hasParents();
 
@@ -228,7 +274,7 @@ Node* CopyAction::copyTree(Node& root)
             continue;
         if (!link(*visit.target, copy.get()))
             continue;  // refused by the field: the copy goes with `copy`
-        _copies[child] = copy.get();
+        remember(*child, *copy);
         enter(*child);
         pushChildren(*child, *copy);
     }
@@ -255,28 +301,24 @@ Field* CopyAction::destinationField(Field& field) const
     Node* node = _dstNameSpace->findNode(owner.getIDStr());
     if (!node)
         return nullptr;
-    if (!owner.hasName() && (&node->nameSpace() != _dstNameSpace || _copies.count(node)))
+    if (!owner.hasName() && (&node->nameSpace() != _dstNameSpace || knownCopy(*node)))
         return nullptr;
     return node->findField(field.desc()->ID());
 }
 
 void CopyAction::finalize()
 {
+    auto counterpartOf = [this](Field& field) -> Field* {
+        if (field.desc())
+            return destinationField(field);
+        ORV_WARNING("No valid NodePart desc in CopyAction::finalize()\n");
+        return nullptr;
+    };
     for (Route* route : _routes) {
-        EventOutSlot* out = nullptr;
-        Field& from = route->outSlot().field();
-        if (!from.desc())
-            ORV_WARNING("No valid NodePart desc in CopyAction::finalize()\n");
-        else if (Field* field = destinationField(from))
-            out = field->createOutSlot(true);
-
-        EventInSlot* in = nullptr;
-        Field& to = route->inSlot().field();
-        if (!to.desc())
-            ORV_WARNING("No valid NodePart desc in CopyAction::finalize()\n");
-        else if (Field* field = destinationField(to))
-            in = field->createInSlot(true);
-
+        Field*        from = counterpartOf(route->outSlot().field());
+        EventOutSlot* out = from ? from->createOutSlot(true) : nullptr;
+        Field*        to = counterpartOf(route->inSlot().field());
+        EventInSlot*  in = to ? to->createInSlot(true) : nullptr;
         if (out && in)
             Route::create(*out, *in, Route::DEFAULT);
     }

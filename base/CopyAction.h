@@ -5,7 +5,7 @@
 
 #include <cstdint>
 #include <set>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Orvane {
@@ -88,6 +88,7 @@ private:
     void pushChildren(Node& source, Node& copy);
     // The copy made for `source` when the walk may have met it before, else null.
     Node* knownCopy(Node& source) const;
+    void  remember(Node& source, Node& copy);
     bool  mayMeetAgain(Node& source) const { return _rootsWithParents || source.parentCount() > 1; }
     static bool link(Field& target, Node* child);
     Field* destinationField(Field& field) const;
@@ -96,8 +97,11 @@ private:
     NodeNameSpace*                    _srcNameSpace;
     NodeNameSpace*                    _dstNameSpace;
     Node*                             _result = nullptr;
-    // Every copy by its original; the last one when UseNodes is off.
-    std::unordered_map<Node*, Node*>  _copies;
+    // Every copy by its original, the last one when UseNodes is off: an open-addressing table
+    // (a null key is a free place) that grows by doubling, one allocation per growth rather
+    // than one per node.
+    std::vector<std::pair<Node*, Node*>> _copies;
+    std::size_t                       _copyCount = 0;
     bool                              _rootsWithParents = false;
     std::vector<Visit>                _pending;
 };

@@ -44,6 +44,9 @@ public:
 
     bool equalValue(const Field& other) const override
     {
+        // The same field type first, without the type-name comparison of a cross-library cast.
+        if (other.dataType() == this->dataType())
+            return _value == static_cast<const XField&>(other)._value;
         if (auto same = dynamic_cast<const XField*>(&other))
             return _value == same->_value;
         ORV_FATAL("Type mismatch in XField::opperator==\n");

@@ -4,6 +4,7 @@
 // through a scene, one route loop included, with what each node received.
 #include "base/Context.h"
 #include "base/ConvertParam.h"
+#include "base/CopyAction.h"
 #include "base/FieldType.h"
 #include "base/Log.h"
 #include "base/MFNode.h"
@@ -278,6 +279,68 @@ void conversionDemo(Node& lamp)
                 copy.equalValue(points) ? "equal" : "different");
 }
 
+// ---- Deep copy: a subtree copied into a second namespace, with its routes ----------------
+
+namespace {
+
+// Tells which copy of a node received a value: the namespace shows original or copy.
+class ShowCopyEvents : public NodeProc {
+public:
+    using NodeProc::NodeProc;
+    using NodeProc::copy;
+    bool fieldChanged(Node& node, Field& field, const double&, Field*) override
+    {
+        std::printf("    %s/%s received %s = %s\n", node.nameSpace().name().c_str(), node.getIDStr().c_str(),
+                    field.findName(), field.strValue().c_str());
+        return true;
+    }
+    static NodeProc* create(NodeType&, Node& node) { return new ShowCopyEvents(node); }
+};
+
+void copyDemo()
+{
+    static NodePartDesc parts[] = {
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess, "level",
+                     nullptr, "0"),
+        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, MFNodeType, NodePartDesc::CtorAutoProcess,
+                     "children"),
+    };
+    static NodeType wire(theBaseNodeTypeFactory(), "Wire", "Demo", "Node", nullptr, "1.0", "Demo", nullptr, "stable",
+                         nullptr, "Orvane", false, false, &Node::isNodeType, &Node::createNode,
+                         &ShowCopyEvents::create, parts, 2);
+    wire.initType();
+
+    // Panel { children [ DEF Switch Wire { children DEF Bulb Wire }, DEF Dimmer Wire { children USE Bulb } ] }
+    // with ROUTE Switch.level TO Dimmer.level and ROUTE Dimmer.level TO Bulb.level.
+    SmartPtr<NodeNameSpace> original(new NodeNameSpace("original"));
+    SmartPtr<Node> panel(wire.createNode(original.get(), "Panel"));
+    Node* toggle = wire.createNode(panel->findField("children"), "Switch");
+    Node* dimmer = wire.createNode(panel->findField("children"), "Dimmer");
+    Node* bulb = wire.createNode(toggle->findField("children"), "Bulb");
+    static_cast<MFNode*>(dimmer->findField("children"))->addChild(bulb);
+    original->createRoute("Switch", "level", "Dimmer", "level");
+    original->createRoute("Dimmer", "level", "Bulb", "level");
+    panel->setTreeState(0.0, Live);
+
+    SmartPtr<NodeNameSpace> second(new NodeNameSpace("copy"));
+    CopyAction action(0.0, *original, *second);
+    SmartPtr<Node> copy(action.copy(*panel));
+    copy->setTreeState(0.0, Live);
+    Node* bulbCopy = second->findNode("Bulb");
+    std::printf("\nDeep copy of the Panel subtree into namespace \"copy\": %d nodes, %zu routes made again; the "
+                "copied Bulb has %u parents, like the original\n",
+                second->nodeCount(), action.routes().size(), bulbCopy->parentCount());
+
+    std::printf("  copy/Switch.level set to 0.5:\n");
+    static_cast<SFFloat*>(second->findNode("Switch")->findField("level"))->setValue(1.0, 0.5f);
+    std::printf("  original/Switch.level set to 0.25:\n");
+    static_cast<SFFloat*>(toggle->findField("level"))->setValue(2.0, 0.25f);
+    std::printf("  Bulb levels: original %s, copy %s\n", bulb->findField("level")->strValue().c_str(),
+                bulbCopy->findField("level")->strValue().c_str());
+}
+
+} // namespace
+
 int main()
 {
     Log::the().setLevel(LOG_NOTICE);
@@ -338,6 +401,7 @@ int main()
     conversionDemo(*lamp);
     sceneDemo();
     eventDemo();
+    copyDemo();
     protoDemo();
     return 0;
 }

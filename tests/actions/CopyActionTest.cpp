@@ -105,6 +105,28 @@ TEST_F(CopyActionTest, UseNodesOffCopiesEachUseAndAcyclePassesOnce)
     link(*a).setNode(nullptr);
 }
 
+TEST_F(CopyActionTest, RootsCopiedByOneActionShareTheirCopies)
+{
+    // Two roots share S, which is then named as a root of its own, as a USE at the top would.
+    SmartPtr<Node> r1 = make("R1");
+    SmartPtr<Node> r2 = make("R2");
+    SmartPtr<Node> s = make("S");
+    children(*r1).addChild(s.get());
+    link(*r2).setNode(s.get());
+    ASSERT_NE(src.createRoute("R1", "value", "R2", "value"), nullptr);
+
+    CopyAction action(0.0, src, *dst);
+    SmartPtr<Node> c1(action.copyTree(*r1));
+    SmartPtr<Node> c2(action.copyTree(*r2));
+    EXPECT_EQ(action.copyTree(*s), children(*c1).childNode(0));
+    EXPECT_EQ(link(*c2).node(), children(*c1).childNode(0));
+    EXPECT_EQ(dst->nodeCount(), 3);
+    // The routes wait for finalize.
+    EXPECT_EQ(c2->findField(ValueId)->inRouteCount(), 0u);
+    action.finalize();
+    EXPECT_EQ(c2->findField(ValueId)->inRouteCount(), 1u);
+}
+
 TEST_F(CopyActionTest, RoutesAreMadeBetweenTheCopies)
 {
     SmartPtr<Node> root = make("Root");
