@@ -3,6 +3,7 @@
 #include "base/ContextSetup.h"
 #include "base/Field.h"
 #include "base/ImageDownloadCache.h"
+#include "base/ProtoLibrary.h"
 #include "base/Log.h"
 #include "base/Node.h"
 #include "base/NodeNameSpace.h"
@@ -401,6 +402,7 @@ bool Context::reload()
     if (paramBValue(reloadClearCacheParam)) {
         ORV_INFO("Clear Image/Proto cache\n");
         ImageDownloadCache::the().clear();
+        ProtoLibrary::the().clear();
     } else {
         ORV_INFO("Skip  Image/Proto cache clear on reload\n");
     }

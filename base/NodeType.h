@@ -4,6 +4,7 @@
 #include "base/BitVector.h"
 #include "base/Node.h"
 #include "base/RefCountObject.h"
+#include "base/SmartPtr.h"
 
 #include <cstdint>
 #include <list>
@@ -47,6 +48,14 @@ public:
              const char* status, const char* description, const char* standard, bool isExtensible,
              bool isContextRoot, TypeCheckFunc typeCheck, CreateFunc creator, ProcFactory procFactory,
              NodePartDesc* descs, unsigned descCount);
+    // The proto constructor: a type made from a PROTO or EXTERNPROTO declaration, with library
+    // "PROTO". It creates its declaration node in `scene` (when null, in a node namespace of the
+    // type's own bound to `nameSpace`), and belongs to `nameSpace`, which keeps it alive.
+    NodeType(NodeTypeNameSpace& nameSpace, const char* name, const char* version, const char* component,
+             const char* comment, const char* description, const char* standard, NodeNameSpace* scene = nullptr);
+    // The alias constructor: stands in `nameSpace` for `proto` (library "ALIAS"), so that a
+    // prototype can be used outside the namespace in which it was declared.
+    NodeType(NodeTypeNameSpace& nameSpace, NodeType& proto, const char* name);
     ~NodeType() override;
 
     NodeType(const NodeType&) = delete;
@@ -148,6 +157,17 @@ private:
     friend class Component;
     friend class Node;
     friend class NodeTypeNameSpace;
+    friend class ProtoDeclaration;
+
+    static std::uint32_t nextTypeID();
+    // Enters the type in the ID map; every constructor does.
+    void registerID();
+    int  initProtoType();
+    // Forgets the parent and the merged parts; fills the name maps from the merged parts.
+    void clearParts();
+    void mapParts();
+    // The alias of this proto type in `target`, made on first need.
+    NodeType* aliasIn(NodeTypeNameSpace& target);
 
     bool         kindOf(const NodeType& other, unsigned depth) const;
     std::int32_t kindDistance(const NodeType& other, unsigned depth) const;
@@ -199,6 +219,9 @@ private:
     DescMap              _inSlotMap;
     DescMap              _outSlotMap;
     PartMask             _logFeatureMask;
+    SmartPtr<NodeType>   _aliasHold;   // an alias keeps the type it stands for
+    SmartPtr<NodeNameSpace> _protoScene;  // where a declaration made without scene lives
+    std::uint32_t        _protoChanges = 0;  // the declaration's change count at initType
     std::vector<std::string> _additionalNames;
     std::vector<NodeType*>   _additionalParents;
     std::vector<std::pair<std::string, std::string>> _partAliases;  // alias, part name
