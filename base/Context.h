@@ -16,6 +16,7 @@ class Node;
 class NodeNameSpace;
 class NodePartDesc;
 class NodeType;
+class WriteAction;
 
 // One running scene. A context holds the root nodes of its scene and the values of the
 // configuration parameters that every part of the system reads (paramBValue and friends).
@@ -73,6 +74,10 @@ public:
     bool     removeRoot(NodeType& type);
     void     getRootVec(std::vector<Node*>& out) const;
     unsigned rootCount() const { return static_cast<unsigned>(_rootBag.size()); }
+    // Hands every root (with `types`, only the roots of those types) to the writer's walk, in
+    // the order they were added; the caller opens and closes the document. Returns the number
+    // of roots written.
+    unsigned int write(WriteAction& action, std::vector<NodeType*>* types);
 
     Context(const Context&) = delete;
     Context& operator=(const Context&) = delete;
