@@ -7,6 +7,7 @@
 
 namespace Orvane {
 
+class CopyAction;
 class EventOutSlot;
 class Field;
 class Node;
@@ -65,6 +66,11 @@ public:
 
     // Takes over the state of `from`, the processor of the node this one's node was copied from.
     virtual void copy(const NodeProc& from) {}
+    // Makes this node's copy for a deep copy, in the action's destination namespace, and hands
+    // the node's routes to the action; the action links the copied children afterwards. By
+    // default CopyAction::copyNode. A processor that overrides one of the two copy operations
+    // brings the other into scope with `using NodeProc::copy;`.
+    virtual Node* copy(CopyAction& action);
 
     // A short text about the processor's state for diagnostics; empty by default.
     virtual std::string info() const { return std::string(); }
