@@ -83,6 +83,10 @@ constexpr char digitPairs[] =
 
 char* writeUnsigned(char* p, std::uint64_t n)
 {
+    if (n < 10) {
+        *p = static_cast<char>('0' + n);
+        return p + 1;
+    }
     char  digits[20];
     char* end = digits + sizeof digits;
     char* q = end;
@@ -116,13 +120,13 @@ char* NumberText::writeFixed6(char* p, float value)
         ++n;
     if (std::signbit(value))
         *p++ = '-';
-    p = writeUnsigned(p, n / 1000000);
+    std::uint64_t whole = n / 1000000;
+    auto          fraction = static_cast<unsigned>(n - whole * 1000000);
+    p = writeUnsigned(p, whole);
     *p++ = '.';
-    auto fraction = static_cast<unsigned>(n % 1000000);
-    for (int i = 5; i >= 0; --i) {
-        p[i] = static_cast<char>('0' + fraction % 10);
-        fraction /= 10;
-    }
+    std::memcpy(p, digitPairs + (fraction / 10000) * 2, 2);
+    std::memcpy(p + 2, digitPairs + (fraction / 100 % 100) * 2, 2);
+    std::memcpy(p + 4, digitPairs + (fraction % 100) * 2, 2);
     return p + 6;
 }
 

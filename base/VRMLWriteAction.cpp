@@ -235,8 +235,8 @@ void VRMLWriteAction::writeDeclaration(const Field& field, FieldStyle style)
 
 void VRMLWriteAction::writeValue(const Field& field)
 {
-    const std::string& text = valueText(field);
     if (field.dataType() == SFStringType) {
+        const std::string& text = valueText(field);
         put(" \"");
         std::size_t from = 0;
         for (std::size_t i = 0; i < text.size(); ++i) {
@@ -252,10 +252,10 @@ void VRMLWriteAction::writeValue(const Field& field)
         put(" []");
     } else if (field.size() < 2) {
         put(' ');
-        put(text);
+        putValue(field);
     } else {
         put(" [ ");
-        put(text);
+        putValue(field);
         put(" ]");
     }
 }

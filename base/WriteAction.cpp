@@ -19,6 +19,7 @@
 #include "base/MFColorRGBA.h"
 #include "base/MFDouble.h"
 #include "base/MFFloat.h"
+#include "base/MFInt32.h"
 #include "base/MFMatrix3d.h"
 #include "base/MFMatrix3f.h"
 #include "base/MFMatrix4d.h"
@@ -51,84 +52,76 @@
 #include "base/SFVec4f.h"
 
 #include <fstream>
+#include <type_traits>
 #include <unordered_map>
 
 namespace Orvane {
 
 namespace {
 
-// The exact text of one element: its components in their shortest form, blanks between.
-template <class T>
-void appendExactElement(std::string& out, const T& value)
+// Calls `visit` with the field as its concrete class, for the field types whose elements are
+// numbers; false for every other type.
+template <class Visit>
+bool visitNumeric(const Field& field, Visit&& visit)
 {
-    using C = Components<T>;
-    char buffer[64];
-    for (unsigned i = 0; i < C::count; ++i) {
-        if (i)
-            out += ' ';
-        out.append(buffer, NumberText::writeShortest(buffer, C::get(value, i)));
-    }
-}
-
-// The layout of the field's own text form (", " between MF elements), with exact numbers.
-template <class F>
-void appendExact(std::string& out, const Field& field)
-{
-    const auto& value = static_cast<const F&>(field).value();
-    if constexpr (requires { value.begin(); }) {
-        bool first = true;
-        for (const auto& element : value) {
-            if (!first)
-                out += ", ";
-            first = false;
-            appendExactElement(out, element);
-        }
-    } else {
-        appendExactElement(out, value);
-    }
-}
-
-// False for the field types without floating-point numbers, whose own text is exact already.
-bool exactText(std::string& out, const Field& field)
-{
-    out.clear();
     switch (field.dataType()) {
-    case SFFloatType:     appendExact<SFFloat>(out, field); return true;
-    case MFFloatType:     appendExact<MFFloat>(out, field); return true;
-    case SFDoubleType:    appendExact<SFDouble>(out, field); return true;
-    case MFDoubleType:    appendExact<MFDouble>(out, field); return true;
-    case SFTimeType:      appendExact<SFTime>(out, field); return true;
-    case MFTimeType:      appendExact<MFTime>(out, field); return true;
-    case SFColorType:     appendExact<SFColor>(out, field); return true;
-    case MFColorType:     appendExact<MFColor>(out, field); return true;
-    case SFColorRGBAType: appendExact<SFColorRGBA>(out, field); return true;
-    case MFColorRGBAType: appendExact<MFColorRGBA>(out, field); return true;
-    case SFRotationType:  appendExact<SFRotation>(out, field); return true;
-    case MFRotationType:  appendExact<MFRotation>(out, field); return true;
-    case SFPlaneType:     appendExact<SFPlane>(out, field); return true;
-    case MFPlaneType:     appendExact<MFPlane>(out, field); return true;
-    case SFVec2fType:     appendExact<SFVec2f>(out, field); return true;
-    case MFVec2fType:     appendExact<MFVec2f>(out, field); return true;
-    case SFVec2dType:     appendExact<SFVec2d>(out, field); return true;
-    case MFVec2dType:     appendExact<MFVec2d>(out, field); return true;
-    case SFVec3fType:     appendExact<SFVec3f>(out, field); return true;
-    case MFVec3fType:     appendExact<MFVec3f>(out, field); return true;
-    case SFVec3dType:     appendExact<SFVec3d>(out, field); return true;
-    case MFVec3dType:     appendExact<MFVec3d>(out, field); return true;
-    case SFVec4fType:     appendExact<SFVec4f>(out, field); return true;
-    case MFVec4fType:     appendExact<MFVec4f>(out, field); return true;
-    case SFVec4dType:     appendExact<SFVec4d>(out, field); return true;
-    case MFVec4dType:     appendExact<MFVec4d>(out, field); return true;
-    case SFMatrix3fType:  appendExact<SFMatrix3f>(out, field); return true;
-    case MFMatrix3fType:  appendExact<MFMatrix3f>(out, field); return true;
-    case SFMatrix3dType:  appendExact<SFMatrix3d>(out, field); return true;
-    case MFMatrix3dType:  appendExact<MFMatrix3d>(out, field); return true;
-    case SFMatrix4fType:  appendExact<SFMatrix4f>(out, field); return true;
-    case MFMatrix4fType:  appendExact<MFMatrix4f>(out, field); return true;
-    case SFMatrix4dType:  appendExact<SFMatrix4d>(out, field); return true;
-    case MFMatrix4dType:  appendExact<MFMatrix4d>(out, field); return true;
+    case SFFloatType:     visit(static_cast<const SFFloat&>(field)); return true;
+    case MFFloatType:     visit(static_cast<const MFFloat&>(field)); return true;
+    case SFDoubleType:    visit(static_cast<const SFDouble&>(field)); return true;
+    case MFDoubleType:    visit(static_cast<const MFDouble&>(field)); return true;
+    case SFTimeType:      visit(static_cast<const SFTime&>(field)); return true;
+    case MFTimeType:      visit(static_cast<const MFTime&>(field)); return true;
+    case MFInt32Type:     visit(static_cast<const MFInt32&>(field)); return true;
+    case SFColorType:     visit(static_cast<const SFColor&>(field)); return true;
+    case MFColorType:     visit(static_cast<const MFColor&>(field)); return true;
+    case SFColorRGBAType: visit(static_cast<const SFColorRGBA&>(field)); return true;
+    case MFColorRGBAType: visit(static_cast<const MFColorRGBA&>(field)); return true;
+    case SFRotationType:  visit(static_cast<const SFRotation&>(field)); return true;
+    case MFRotationType:  visit(static_cast<const MFRotation&>(field)); return true;
+    case SFPlaneType:     visit(static_cast<const SFPlane&>(field)); return true;
+    case MFPlaneType:     visit(static_cast<const MFPlane&>(field)); return true;
+    case SFVec2fType:     visit(static_cast<const SFVec2f&>(field)); return true;
+    case MFVec2fType:     visit(static_cast<const MFVec2f&>(field)); return true;
+    case SFVec2dType:     visit(static_cast<const SFVec2d&>(field)); return true;
+    case MFVec2dType:     visit(static_cast<const MFVec2d&>(field)); return true;
+    case SFVec3fType:     visit(static_cast<const SFVec3f&>(field)); return true;
+    case MFVec3fType:     visit(static_cast<const MFVec3f&>(field)); return true;
+    case SFVec3dType:     visit(static_cast<const SFVec3d&>(field)); return true;
+    case MFVec3dType:     visit(static_cast<const MFVec3d&>(field)); return true;
+    case SFVec4fType:     visit(static_cast<const SFVec4f&>(field)); return true;
+    case MFVec4fType:     visit(static_cast<const MFVec4f&>(field)); return true;
+    case SFVec4dType:     visit(static_cast<const SFVec4d&>(field)); return true;
+    case MFVec4dType:     visit(static_cast<const MFVec4d&>(field)); return true;
+    case SFMatrix3fType:  visit(static_cast<const SFMatrix3f&>(field)); return true;
+    case MFMatrix3fType:  visit(static_cast<const MFMatrix3f&>(field)); return true;
+    case SFMatrix3dType:  visit(static_cast<const SFMatrix3d&>(field)); return true;
+    case MFMatrix3dType:  visit(static_cast<const MFMatrix3d&>(field)); return true;
+    case SFMatrix4fType:  visit(static_cast<const SFMatrix4f&>(field)); return true;
+    case MFMatrix4fType:  visit(static_cast<const MFMatrix4f&>(field)); return true;
+    case SFMatrix4dType:  visit(static_cast<const SFMatrix4d&>(field)); return true;
+    case MFMatrix4dType:  visit(static_cast<const MFMatrix4d&>(field)); return true;
     default:              return false;
     }
+}
+
+// One element as the field's own text form writes it, or with every floating-point component
+// in its shortest exact text.
+template <class T>
+void appendElement(std::string& out, const T& value, bool exact)
+{
+    using C = Components<T>;
+    if constexpr (std::is_floating_point_v<typename C::Scalar>) {
+        if (exact) {
+            char buffer[64];
+            for (unsigned i = 0; i < C::count; ++i) {
+                if (i)
+                    out += ' ';
+                out.append(buffer, NumberText::writeShortest(buffer, C::get(value, i)));
+            }
+            return;
+        }
+    }
+    ValueText<T>::writeMFElement(out, value);
 }
 
 bool isValuePart(const NodePartDesc& desc)
@@ -186,6 +179,7 @@ void WriteAction::releaseStream()
         _lastStreamGood = _stream->good();
     }
     _buffer.clear();
+    _defaults.clear();
     if (!_ownedFile.empty()) {
         delete _stream;
         _stream = nullptr;
@@ -284,7 +278,9 @@ const NodeType& WriteAction::writtenType(const Node& node) const
     const NodeType* type = &node.type();
     if (writeAbstract()) {
         // Bounded by the depth of the type tree: each step goes to a distinct abstract type.
-        for (unsigned guard = 0; guard < 64 && type->standard() == systemStandard(); ++guard) {
+        for (unsigned guard = 0; guard < 64 && !type->defaultDescendantOfName().empty()
+                                 && type->standard() == systemStandard();
+             ++guard) {
             NodeType* abstract = type->isDefaultDescendantOf();
             if (!abstract)
                 break;
@@ -299,11 +295,59 @@ const std::string* WriteAction::nodeName(const Node& node)
     return node.hasName() ? &node.name() : nullptr;
 }
 
+void WriteAction::putValue(const Field& field)
+{
+    bool exact = writeExactNumbers();
+    bool done = visitNumeric(field, [&](const auto& typed) {
+        const auto& value = typed.value();
+        if constexpr (requires { value.begin(); }) {
+            // Lists go straight into the output buffer, element by element, so that a large
+            // value is never built as one text of its own.
+            bool first = true;
+            for (const auto& element : value) {
+                if (!first)
+                    _buffer += ", ";
+                first = false;
+                appendElement(_buffer, element, exact);
+                if (_buffer.size() >= flushSize)
+                    flushBuffer();
+            }
+        } else if (exact) {
+            appendElement(_buffer, value, true);
+        } else {
+            typed.getStrValue(_text);
+            _buffer += _text;
+        }
+    });
+    if (!done) {
+        field.getStrValue(_text);
+        _buffer += _text;
+    }
+    if (_buffer.size() >= flushSize)
+        flushBuffer();
+}
+
 const std::string& WriteAction::valueText(const Field& field)
 {
-    if (!writeExactNumbers() || !exactText(_text, field))
-        field.getStrValue(_text);
-    return _text;
+    return field.getStrValue(_text);
+}
+
+bool WriteAction::holdsDefault(const Field& field)
+{
+    const NodePartDesc* desc = field.desc();
+    // Node fields and lists keep the field's own test; a single value with a default text is
+    // compared with that default parsed once per descriptor and document, not once per node.
+    if (!desc || desc->defaultValue().empty() || field.cardinality() != Field::Single || desc->isNodeField())
+        return field.valueIsDefault();
+    std::unique_ptr<Field>& reference = _defaults[desc];
+    if (!reference) {
+        reference.reset(FieldType::create(field.dataType(), field.owner()));
+        if (!reference)
+            return field.valueIsDefault();
+        // For a single value this is the plain text setter: no change processing, no events.
+        reference->addValueByStr(desc->defaultValue().c_str(), Field::Single);
+    }
+    return reference->equalValue(field);
 }
 
 void WriteAction::writeContainerField(Field& field, FieldStyle style, bool withBrackets)
@@ -390,7 +434,7 @@ void WriteAction::writeNodeFields(Node& node)
             writeContainerField(*field, style, true);
             continue;
         }
-        if (style == NormalStyle && (!isValuePart(desc) || (!writeDefaultValue() && field->valueIsDefault())))
+        if (style == NormalStyle && (!isValuePart(desc) || (!writeDefaultValue() && holdsDefault(*field))))
             continue;
         writeField(*field, style);
     }

@@ -1,14 +1,17 @@
 #ifndef ORVANE_BASE_WRITEACTION_H
 #define ORVANE_BASE_WRITEACTION_H
 
+#include "base/Field.h"
 #include "base/TraversAction.h"
 
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace Orvane {
@@ -140,8 +143,12 @@ protected:
     const NodeType& writtenType(const Node& node) const;
     // The name under which a node is known in routes: its DEF name, or empty for none.
     static const std::string* nodeName(const Node& node);
-    // The text of a value; with writeExactNumbers the floats and doubles in their shortest exact
-    // form. Reuses the action's scratch text.
+    // Whether a field holds its descriptor's default value (Field::valueIsDefault, faster).
+    bool holdsDefault(const Field& field);
+    // Writes the text of a value: the field's own text form, or with writeExactNumbers every
+    // float and double in its shortest exact text.
+    void putValue(const Field& field);
+    // The field's own text form, in the action's scratch text.
     const std::string& valueText(const Field& field);
 
     // Output. good() is false without a stream or with one in a failed state.
@@ -176,6 +183,8 @@ private:
     std::deque<IsMap>  _isMapStack;
     std::string        _buffer;
     std::string        _text;
+    // Parsed defaults of the current document, one per descriptor.
+    std::unordered_map<const NodePartDesc*, std::unique_ptr<Field>> _defaults;
     bool               _lastStreamGood = true;
 };
 
