@@ -8,6 +8,7 @@
 #include "base/Node.h"
 #include "base/NodePartDesc.h"
 #include "base/NodeType.h"
+#include "base/ProtoDeclaration.h"
 #include "base/Subject.h"
 
 #include <algorithm>
@@ -134,6 +135,13 @@ bool Field::valueIsDefault() const
 {
     if (!_desc)
         return true;
+    // A field of a prototype instance is at its default while it holds the declaration's value.
+    if (const ProtoDeclaration* declaration = _owner->type().protoDeclaration()) {
+        if (_desc->ID() < declaration->fieldCount()) {
+            const Field* initial = declaration->initialValue(_desc->ID());
+            return initial && initial->equalValue(*this);
+        }
+    }
     const std::string& text = _desc->defaultValue();
     if (text.empty()) {
         if (cardinality() == Multi && size() == 0)

@@ -6,6 +6,8 @@
 #include "base/NodePartDesc.h"
 #include "base/NodeProc.h"
 #include "base/NodeType.h"
+#include "base/ProtoDeclaration.h"
+#include "base/ProtoInstance.h"
 #include "base/Subject.h"
 
 namespace Orvane {
@@ -55,9 +57,21 @@ NodeType* NodeLink::nodeType() const
 
 Node* NodeLink::node() const
 {
-    // Prototype instances answer with the first node of their body; until they exist every
-    // child is its own answer.
-    return _node.get();
+    // A prototype instance stands for the first node of its body, which may be an instance in
+    // turn. Nesting is bounded when instances are made, and so is this walk.
+    Node* node = _node.get();
+    for (unsigned depth = 0; depth <= ProtoDeclaration::MaxNestingDepth; ++depth) {
+        ProtoInstance* instance = ProtoInstance::cast(node);
+        if (!instance)
+            return node;
+        Node* first = instance->firstNode();
+        if (!first) {
+            ORV_NOTICE("ProtoChildren field is empty, return Proto\n");
+            return node;
+        }
+        node = first;
+    }
+    return node;
 }
 
 unsigned NodeLink::getFieldID() const

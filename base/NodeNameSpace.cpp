@@ -94,6 +94,14 @@ NodeNameSpace::~NodeNameSpace()
         eraseValue(user->_using, this);
     _usedBy.clear();
 
+    // The prototypes declared here go first, with their declaration nodes, unless instances
+    // elsewhere still hold them.
+    if (_ownsTypeNameSpace) {
+        delete _typeNameSpace;
+        _typeNameSpace = nullptr;
+        _ownsTypeNameSpace = false;
+    }
+
     // The scene goes with its scope: cut every node out of its parents and let go of it. A
     // node nobody else holds dies here, with its routes; a node that was never held (no
     // reference yet) is not touched, as a reference would destroy it under its maker's hands.
@@ -132,7 +140,7 @@ NodeNameSpace::~NodeNameSpace()
         _context->unbind(*this);
     if (_parent)
         eraseValue(_parent->_children, this);
-    if (_ownsTypeNameSpace)
+    if (_ownsTypeNameSpace)  // made again while the scene went
         delete _typeNameSpace;
 }
 
@@ -168,6 +176,17 @@ NodeTypeNameSpace& NodeNameSpace::nodeTypeNameSpace() const
     _typeNameSpace = NodeTypeNameSpace::create(_name.c_str(), &up);
     _ownsTypeNameSpace = true;
     ORV_INFO("AUTOCREATE NodeTypeNameSpace %s as child of %s\n", _name.c_str(), up.name().c_str());
+    return *_typeNameSpace;
+}
+
+NodeTypeNameSpace& NodeNameSpace::protoTypeNameSpace()
+{
+    NodeTypeNameSpace& current = nodeTypeNameSpace();
+    if (&current != &theBaseNodeTypeFactory())
+        return current;
+    _typeNameSpace = NodeTypeNameSpace::create(_name.c_str(), &current);
+    _ownsTypeNameSpace = true;
+    ORV_INFO("AUTOCREATE NodeTypeNameSpace %s as child of %s\n", _name.c_str(), current.name().c_str());
     return *_typeNameSpace;
 }
 

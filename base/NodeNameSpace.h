@@ -63,6 +63,9 @@ public:
     // Refuses to make this namespace its own ancestor.
     bool               setParent(NodeNameSpace* parent);
     NodeTypeNameSpace& nodeTypeNameSpace() const;
+    // The type namespace in which this scene declares its prototypes: its own, made on first
+    // need, whenever it would otherwise be the base namespace of the native types.
+    NodeTypeNameSpace& protoTypeNameSpace();
     Node*              root() const { return _root; }
     // Set once; cleared when the root node goes.
     bool               setRoot(Node& root);

@@ -10,6 +10,8 @@
 #include "base/NodePartDesc.h"
 #include "base/NodeProc.h"
 #include "base/NodeTypeNameSpace.h"
+#include "base/ProtoDeclaration.h"
+#include "base/ProtoInstance.h"
 #include "base/SFNode.h"
 #include "base/Subject.h"
 
@@ -108,10 +110,7 @@ NodeType::NodeType(NodeTypeNameSpace& nameSpace, const char* name, const char* l
     if (!name)
         ORV_FATAL("NATIVE NodeType without a name\n");
     TypeRegistry& r = registry();
-    {
-        std::lock_guard<std::mutex> lock(typeIDMapMutex());
-        _ID = r.nextID++;
-    }
+    _ID = nextTypeID();
     _localDescVec.reserve(descCount);
     for (unsigned i = 0; i < descCount; ++i)
         _localDescVec.push_back(descs ? &descs[i] : nullptr);
@@ -126,14 +125,7 @@ NodeType::NodeType(NodeTypeNameSpace& nameSpace, const char* name, const char* l
     }
     if (!component)
         ORV_WARNING("NodeType %s is not assigned to any compnent\n", _name.c_str());
-    {
-        std::lock_guard<std::mutex> lock(typeIDMapMutex());
-        if (!r.idMap) {
-            ORV_INFO("Create node typeIDMap\n");
-            r.idMap = new std::map<std::uint32_t, NodeType*>;
-        }
-        (*r.idMap)[_ID] = this;
-    }
+    registerID();
     ORV_INFO("Add Native Node type: %s\n", _name.c_str());
     if (_component.empty())
         ORV_WARNING("Concrete NodeType >%s< is not assigned to any component\n", _name.c_str());
@@ -142,8 +134,86 @@ NodeType::NodeType(NodeTypeNameSpace& nameSpace, const char* name, const char* l
     nameSpace.regType(*this);
 }
 
+std::uint32_t NodeType::nextTypeID()
+{
+    std::lock_guard<std::mutex> lock(typeIDMapMutex());
+    return registry().nextID++;
+}
+
+void NodeType::registerID()
+{
+    TypeRegistry& r = registry();
+    std::lock_guard<std::mutex> lock(typeIDMapMutex());
+    if (!r.idMap) {
+        ORV_INFO("Create node typeIDMap\n");
+        r.idMap = new std::map<std::uint32_t, NodeType*>;
+    }
+    (*r.idMap)[_ID] = this;
+}
+
+NodeType::NodeType(NodeTypeNameSpace& nameSpace, const char* name, const char* version, const char* component,
+                   const char* comment, const char* description, const char* standard, NodeNameSpace* scene)
+    : _nameSpace(&nameSpace), _ID(nextTypeID()), _name(text(name)), _library("PROTO"), _version(text(version)),
+      _component(text(component)), _comment(text(comment)), _status("stable"), _description(text(description)),
+      _standard(text(standard)), _isExtensible(false), _typeCheck(&Node::isNodeType), _creator(nullptr),
+      _procFactory(nullptr), _isContextRoot(false)
+{
+    registerID();
+    // The namespace keeps its prototypes; instances keep their type beyond that.
+    nameSpace.adoptType(*this);
+    if (!name) {
+        ORV_WARNING("PROTO NodeType without a name\n");
+        return;
+    }
+    if (!scene) {
+        _protoScene = new NodeNameSpace(name, nullptr, &nameSpace);
+        scene = _protoScene.get();
+    }
+    Node* node = ProtoDeclaration::classType().createNode(scene, nullptr, SystemCreator);
+    if (!node) {
+        ORV_WARNING("Can not create PROTO NodeType: %s\n", _name.c_str());
+        nameSpace.regType(*this);
+        return;
+    }
+    _protoDeclaration = static_cast<ProtoDeclaration*>(node);
+    _protoDeclaration->addRef();
+    _protoDeclaration->attach(*this, *scene);
+    ORV_INFO("Add PROTO Node type: %s\n", _name.c_str());
+    nameSpace.regType(*this);
+}
+
+NodeType::NodeType(NodeTypeNameSpace& nameSpace, NodeType& proto, const char* name)
+    : _nameSpace(&nameSpace), _ID(nextTypeID()), _name(text(name)), _library("ALIAS"), _version(proto._version),
+      _component(proto._component), _comment(proto._comment), _status(proto._status),
+      _description(proto._description), _standard(proto._standard), _isExtensible(false),
+      _typeCheck(proto._typeCheck), _creator(nullptr), _procFactory(nullptr), _isAliasOf(&proto),
+      _isContextRoot(false), _protoDeclaration(proto._protoDeclaration), _localDescVec(proto._localDescVec),
+      _aliasHold(&proto)
+{
+    registerID();
+    nameSpace.adoptType(*this);
+    if (_protoDeclaration)
+        _protoDeclaration->addRef();
+    ORV_INFO("Valid Alias ProtoDeclaration %s/%s\n", nameSpace.name().c_str(), _name.c_str());
+    bool fromLibrary = false;
+    for (const NodeTypeNameSpace* ns = proto._nameSpace; ns && !fromLibrary; ns = ns->parent())
+        fromLibrary = ns->protoLibrary() != nullptr;
+    if (fromLibrary)
+        ORV_INFO("Proto Alias %s: Link Libray Type\n", _name.c_str());
+    else
+        ORV_INFO("Proto Alias %s: Link Free Type\n", _name.c_str());
+    nameSpace.regType(*this);
+}
+
 NodeType::~NodeType()
 {
+    if (_protoDeclaration) {
+        // Only the type that made the declaration lets go of it as its owner.
+        if (!_isAliasOf && _protoDeclaration->protoType() == this)
+            _protoDeclaration->detachType();
+        _protoDeclaration->subRef();
+        _protoDeclaration = nullptr;
+    }
     TypeRegistry& r = registry();
     std::vector<NodeType*> others;
     {
@@ -212,23 +282,50 @@ bool NodeType::hasAbsolutAddress() const
 
 // --- type tree ---
 
-// Prototype types take part in the walk through their declarations; they arrive with the
-// prototypes, until then every type walks its parent chain.
-std::int32_t NodeType::isADistance(const NodeType& other) const
+namespace {
+
+// The walk of isA and isADistance: up the parent chain, and through a proto type to the type of
+// the first node of its body; a proto type on the way matches `other` when both stand for one
+// declaration (an alias or a resolved external declaration included). Bounded, so that a broken
+// chain can not loop.
+std::int32_t walkTypes(const NodeType* t, const NodeType& other, const char* check)
 {
-    std::int32_t distance = 0;
-    for (const NodeType* t = this; t; t = t->_parentNodeType, ++distance)
+    const ProtoDeclaration* target = other.isProto() ? &other.protoDeclaration()->effective() : nullptr;
+    constexpr std::int32_t limit = 1 << 16;
+    for (std::int32_t distance = 0; t && distance <= limit; ++distance) {
         if (t == &other)
             return distance;
+        if (t->isProto()) {
+            if (target && &t->protoDeclaration()->effective() == target) {
+                ORV_INFO("%s == %s; valid ProtoDeclaration %s check\n", t->name().c_str(), other.name().c_str(),
+                         check);
+                return distance;
+            }
+            t = t->protoDeclaration()->firstBodyType();
+        } else {
+            t = t->parentNodeType();
+        }
+    }
     return -1;
+}
+
+} // namespace
+
+std::int32_t NodeType::isADistance(const NodeType& other) const
+{
+    return walkTypes(this, other, "isADistance");
 }
 
 bool NodeType::isA(const NodeType& other) const
 {
-    for (const NodeType* t = this; t; t = t->_parentNodeType)
-        if (t == &other)
-            return true;
-    return false;
+    // Native types walk their parents without the prototype look-ups.
+    if (!_protoDeclaration && !other._protoDeclaration) {
+        for (const NodeType* t = this; t; t = t->_parentNodeType)
+            if (t == &other)
+                return true;
+        return false;
+    }
+    return walkTypes(this, other, "isA") >= 0;
 }
 
 bool NodeType::isAGenericGroupNode() const
@@ -307,6 +404,8 @@ int NodeType::initType(bool force)
         return 0;
     // Set first: a type reached again through its own parent chain stops there.
     _isInitialized = true;
+    if (_protoDeclaration)
+        return initProtoType();
     ORV_INFO("Init NATIVE Type %s\n", _name.c_str());
     if (_parentNodeType)
         _parentNodeType->_derivedNodeTypeList.remove(this);
@@ -379,6 +478,68 @@ int NodeType::initType(bool force)
     }
     setStatusID();
     return failures;
+}
+
+// A proto type is a kind of the type of its body's first node; its parts are the interface of
+// its declaration only (an alias shares the parts of the type it stands for).
+int NodeType::initProtoType()
+{
+    ORV_INFO("Init PROTO Type %s \n", _name.c_str());
+    // An external declaration is resolved now: the body it names gives the parent.
+    if (_protoDeclaration->isExternal()) {
+        _protoDeclaration->resolve();
+        _isInitialized = true;
+    }
+    if (_parentNodeType)
+        _parentNodeType->_derivedNodeTypeList.remove(this);
+    _parentNodeType = nullptr;
+    _fieldMap.clear();
+    _inSlotMap.clear();
+    _outSlotMap.clear();
+    if (_isAliasOf) {
+        _isAliasOf->initType(false);
+        _localDescVec = _isAliasOf->_localDescVec;
+    } else {
+        for (NodePartDesc* desc : _localDescVec)
+            desc->init(*this);
+    }
+    _descVec = _localDescVec;
+    _protoPartCount = static_cast<std::uint32_t>(_descVec.size());
+    for (NodePartDesc* desc : _descVec) {
+        if (desc->holdsField())
+            _fieldMap.emplace(desc->fieldName(), desc);
+        if (!desc->inSlotName().empty())
+            _inSlotMap.emplace(desc->inSlotName(), desc);
+        if (!desc->outSlotName().empty())
+            _outSlotMap.emplace(desc->outSlotName(), desc);
+    }
+    setStatusID();
+    NodeType* first = _protoDeclaration->firstBodyType();
+    if (!first) {
+        ORV_WARNING("%s Proto without body\n", _name.c_str());
+        return 1;
+    }
+    int failures = first->initType(false);
+    _parentNodeType = first;
+    first->_derivedNodeTypeList.push_back(this);
+    return failures;
+}
+
+NodeType* NodeType::aliasIn(NodeTypeNameSpace& target)
+{
+    NodeType& original = _isAliasOf ? *_isAliasOf : *this;
+    // The prototype's name, unless another type of the namespace has it already.
+    std::string name = original._name;
+    NodeType* known = target.findLocalType(name);
+    if (known && known->_isAliasOf != &original) {
+        name.append(1, '_').append(std::to_string(original._ID));
+        known = target.findLocalType(name);
+    }
+    if (known && known->_isAliasOf == &original)
+        return known;
+    auto* alias = new NodeType(target, original, name.c_str());
+    alias->initType(false);
+    return alias;
 }
 
 int NodeType::initTypeTree(bool force)
@@ -547,16 +708,22 @@ Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator cre
         ORV_WARNING("Could not create %s node in NodeType::createNode()\n", _name.c_str());
         return nullptr;
     }
-    if (isProto()) {
-        ORV_WARNING("Can not create %s node: prototype instances are not supported yet\n", _name.c_str());
-        return nullptr;
-    }
-
     // Types are completed at start-up; one made later is completed on its first node.
     if (!_isInitialized)
         self.initType(false);
 
-    Node* node = _creator(self, *ns, nodeName.empty() ? nullptr : nodeName.c_str());
+    Node* node = nullptr;
+    if (isProto()) {
+        // A prototype used outside the type namespace that declared it goes through an alias
+        // made there, so that its instances' types are found where they live.
+        NodeTypeNameSpace& target = ns->nodeTypeNameSpace();
+        if (&target != _nameSpace)
+            return self.aliasIn(target)->createNode(parent, name, creator);
+        ORV_NOTICE("Create ProtoInstance %s\n", _name.c_str());
+        node = ProtoInstance::build(self, *ns, nodeName.empty() ? nullptr : nodeName.c_str());
+    } else {
+        node = _creator(self, *ns, nodeName.empty() ? nullptr : nodeName.c_str());
+    }
     if (!node) {
         ORV_WARNING("Could not create %s node in NodeType::createNode()\n", _name.c_str());
         return nullptr;

@@ -4,6 +4,7 @@
 #include "base/BitVector.h"
 #include "base/Node.h"
 #include "base/RefCountObject.h"
+#include "base/SmartPtr.h"
 
 #include <cstdint>
 #include <list>
@@ -46,6 +47,14 @@ public:
              const char* status, const char* description, const char* standard, bool isExtensible,
              bool isContextRoot, TypeCheckFunc typeCheck, CreateFunc creator, ProcFactory procFactory,
              NodePartDesc* descs, unsigned descCount);
+    // The proto constructor: a type made from a PROTO or EXTERNPROTO declaration, with library
+    // "PROTO". It creates its declaration node in `scene` (when null, in a node namespace of the
+    // type's own bound to `nameSpace`), and belongs to `nameSpace`, which keeps it alive.
+    NodeType(NodeTypeNameSpace& nameSpace, const char* name, const char* version, const char* component,
+             const char* comment, const char* description, const char* standard, NodeNameSpace* scene = nullptr);
+    // The alias constructor: stands in `nameSpace` for `proto` (library "ALIAS"), so that a
+    // prototype can be used outside the namespace in which it was declared.
+    NodeType(NodeTypeNameSpace& nameSpace, NodeType& proto, const char* name);
     ~NodeType() override;
 
     NodeType(const NodeType&) = delete;
@@ -129,6 +138,16 @@ private:
     friend class Component;
     friend class Node;
     friend class NodeTypeNameSpace;
+    friend class ProtoDeclaration;
+
+    static std::uint32_t nextTypeID();
+    // Enters the type in the ID map; every constructor does.
+    void registerID();
+    int  initProtoType();
+    // The alias of this proto type in `target`, made on first need.
+    NodeType* aliasIn(NodeTypeNameSpace& target);
+    // The interface changed: descriptors are merged again before the next node is made.
+    void protoChanged() { _isInitialized = false; }
 
     // Adds `delta` to this type's node count and to every ancestor's.
     void changeObjCounter(int delta) const;
@@ -167,6 +186,8 @@ private:
     DescMap              _inSlotMap;
     DescMap              _outSlotMap;
     PartMask             _logFeatureMask;
+    SmartPtr<NodeType>   _aliasHold;   // an alias keeps the type it stands for
+    SmartPtr<NodeNameSpace> _protoScene;  // where a declaration made without scene lives
 };
 
 } // namespace Orvane

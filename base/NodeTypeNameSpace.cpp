@@ -98,8 +98,14 @@ NodeTypeNameSpace::~NodeTypeNameSpace()
         ORV_WARNING("ProtoLibrary != Null in NodeTypeNameSpace destructor\n");
     // Types that outlive their scope must not point back into it.
     for (auto& [name, type] : _typeMap)
-        if (&type->nameSpace() == this)
+        if (type->_nameSpace == this)
             type->_nameSpace = nullptr;
+    for (SmartPtr<NodeType>& type : _ownedTypes)
+        if (type->_nameSpace == this)
+            type->_nameSpace = nullptr;
+    // The prototypes declared here go, unless instances still hold them.
+    while (!_ownedTypes.empty())
+        _ownedTypes.pop_back();
     for (NodeTypeNameSpace* child : _children)
         child->_parent = nullptr;
     if (_parent) {
@@ -142,6 +148,11 @@ void NodeTypeNameSpace::regType(NodeType& type)
     _typeMap[type.name()] = &type;
     _lowerTypeMap[NameText::toLower(type.name())] = &type;
     type._nameSpace = this;
+}
+
+void NodeTypeNameSpace::adoptType(NodeType& type)
+{
+    _ownedTypes.emplace_back(&type);
 }
 
 void NodeTypeNameSpace::unregType(NodeType& type)

@@ -3,6 +3,7 @@
 
 #include "base/BaseObject.h"
 #include "base/Node.h"
+#include "base/SmartPtr.h"
 
 #include <cstdint>
 #include <map>
@@ -80,6 +81,8 @@ private:
     NodeTypeNameSpace(const char* name, NodeTypeNameSpace* parent);
 
     void regType(NodeType& type);
+    // Keeps a proto or alias type made at run time for the namespace's life.
+    void adoptType(NodeType& type);
     void unregType(NodeType& type);
     // Drops every entry that names `type`, referenced ones included.
     void        forgetType(const NodeType& type);
@@ -94,6 +97,7 @@ private:
     TypeMap                         _lowerTypeMap;
     NodeType*                       _firstProto = nullptr;
     ProtoLibrary*                   _protoLibrary = nullptr;
+    std::vector<SmartPtr<NodeType>> _ownedTypes;
 };
 
 // The root namespace of the native node types.

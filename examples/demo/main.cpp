@@ -15,6 +15,8 @@
 #include "base/NodeProc.h"
 #include "base/NodeType.h"
 #include "base/NodeTypeNameSpace.h"
+#include "base/ProtoDeclaration.h"
+#include "base/ProtoInstance.h"
 #include "base/SFBool.h"
 #include "base/SFColor.h"
 #include "base/SFFloat.h"
@@ -227,6 +229,48 @@ void eventDemo()
     Log::the().setLevel(LOG_NOTICE);
 }
 
+// ---- Prototypes: a PROTO declared in code, two instances, events into one of them ----------
+
+void protoDemo()
+{
+    static NodePartDesc bulbParts[] = {
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess,
+                     "brightness", nullptr, "0"),
+    };
+    static NodeType bulb(theBaseNodeTypeFactory(), "Bulb", "Demo", "Node", nullptr, "1.0", "Demo", nullptr, "stable",
+                         nullptr, "Orvane", false, false, &Node::isNodeType, &Node::createNode,
+                         &PrintReceived::create, bulbParts, 1);
+    bulb.initType();
+
+    std::printf("\nPrototypes:\n");
+    std::printf("  PROTO DimmedLamp [ inputOutput SFFloat level 0.5 ] { DEF Filament Bulb { brightness IS level } }\n");
+    SmartPtr<NodeNameSpace> scene(new NodeNameSpace("protos"));
+    ProtoDeclaration* lamp = ProtoDeclaration::declare(*scene, "DimmedLamp");
+    lamp->addField("inputOutput", "SFFloat", "level", "0.5");
+    lamp->createBodyNode("Bulb", "Filament");
+    lamp->addIsLink("level", "Filament", "brightness");
+
+    std::printf("  DEF Dimmer Bulb {}  DEF Kitchen DimmedLamp {}  DEF Hall DimmedLamp {}\n");
+    SmartPtr<Node> dimmer(NodeType::createNode(scene.get(), "Bulb", "Dimmer", LoaderCreator));
+    scene->setRoot(*dimmer);
+    SmartPtr<Node> kitchen(NodeType::createNode(scene.get(), "DimmedLamp", "Kitchen", LoaderCreator));
+    SmartPtr<Node> hall(NodeType::createNode(scene.get(), "DimmedLamp", "Hall", LoaderCreator));
+    for (Node* n : {kitchen.get(), hall.get(), dimmer.get()})
+        n->setNodeState(0.0, Live);
+    std::printf("  ROUTE Dimmer.brightness TO Kitchen.level\n");
+    scene->createRoute("Dimmer", "brightness", "Kitchen", "level");
+
+    std::printf(" Dimmer.brightness set to 0.8:\n");
+    static_cast<SFFloat*>(dimmer->findField("brightness"))->setValue(1.0, 0.8f, Field::FieldCaller);
+    for (Node* instance : {kitchen.get(), hall.get()}) {
+        Node* filament = ProtoInstance::cast(instance)->firstNode();
+        std::printf("  %-7s level %s, its Filament's brightness %s\n", instance->getIDStr().c_str(),
+                    instance->findField("level")->strValue().c_str(), filament->findField("brightness")->strValue().c_str());
+    }
+}
+
+// ---- end of prototypes ----------------------------------------------------------------------
+
 } // namespace
 
 // A value copied into fields of other types, and a field through its binary form.
@@ -312,5 +356,6 @@ int main()
     conversionDemo(*lamp);
     sceneDemo();
     eventDemo();
+    protoDemo();
     return 0;
 }
