@@ -287,15 +287,22 @@ void VRMLWriteAction::writeField(Field& field, FieldStyle style)
     put('\n');
 }
 
-bool VRMLWriteAction::beginSFNode(Field& field, FieldStyle style)
+bool VRMLWriteAction::openNodeField(Field& field, FieldStyle& style)
 {
     _openFields.push_back(&field);
     style = resolveStyle(field, style);
     if (!good())
-        return true;
+        return false;
     indent();
     writeDeclaration(field, style);
     put(field.nameOrNoName());
+    return true;
+}
+
+bool VRMLWriteAction::beginSFNode(Field& field, FieldStyle style)
+{
+    if (!openNodeField(field, style))
+        return true;
     put(' ');
     if (style != ExternInterfaceStyle && isValuePart(field)) {
         if (!linkedNode(static_cast<SFNode&>(field).link()))
@@ -314,13 +321,8 @@ void VRMLWriteAction::endSFNode(FieldStyle)
 
 bool VRMLWriteAction::beginMFNode(Field& field, FieldStyle style)
 {
-    _openFields.push_back(&field);
-    style = resolveStyle(field, style);
-    if (!good())
+    if (!openNodeField(field, style))
         return true;
-    indent();
-    writeDeclaration(field, style);
-    put(field.nameOrNoName());
     if (style != ExternInterfaceStyle && isValuePart(field))
         put(field.empty() ? " []" : " [");
     put('\n');

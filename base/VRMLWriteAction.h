@@ -61,6 +61,9 @@ private:
     // The declaration words of a field in the two interface styles.
     void writeDeclaration(const Field& field, FieldStyle style);
     void writeValue(const Field& field);
+    // The common start of an SFNode or MFNode field: pushed on the open fields, style resolved,
+    // declaration and name written; false with a failed stream.
+    bool openNodeField(Field& field, FieldStyle& style);
     // An interface entry of a prototype declaration, by its kind of field.
     void writeInterface(Field& field, FieldStyle style);
     // The name of a node's own scope: the one its processor reports, else the one it lives in.

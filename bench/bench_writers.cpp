@@ -191,19 +191,27 @@ void report(benchmark::State& state, std::size_t bytes, int groups)
                                                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-void writeMemory(benchmark::State& state, int groups)
+// The scene into memory, by the writer or by the naive baseline.
+template <bool naive>
+void toMemory(benchmark::State& state, int groups)
 {
     Scene&       s = scene(groups);
     MemorySink   sink;
     std::ostream out(&sink);
     for (auto _ : state) {
         sink.reset();
-        VRMLWriteAction writer;
-        writer.writeStream(*s.root, out);
+        if constexpr (naive) {
+            naiveWrite(out, *s.root);
+        } else {
+            VRMLWriteAction writer;
+            writer.writeStream(*s.root, out);
+        }
         benchmark::DoNotOptimize(sink.data().data());
     }
     report(state, sink.data().size(), groups);
 }
+void writeMemory(benchmark::State& state, int groups) { toMemory<false>(state, groups); }
+void naiveMemory(benchmark::State& state, int groups) { toMemory<true>(state, groups); }
 
 void writeFile(benchmark::State& state, int groups)
 {
@@ -217,19 +225,6 @@ void writeFile(benchmark::State& state, int groups)
     std::ifstream in(path, std::ios::binary | std::ios::ate);
     report(state, static_cast<std::size_t>(in.tellg()), groups);
     std::remove(path.c_str());
-}
-
-void naiveMemory(benchmark::State& state, int groups)
-{
-    Scene&       s = scene(groups);
-    MemorySink   sink;
-    std::ostream out(&sink);
-    for (auto _ : state) {
-        sink.reset();
-        naiveWrite(out, *s.root);
-        benchmark::DoNotOptimize(sink.data().data());
-    }
-    report(state, sink.data().size(), groups);
 }
 
 void naiveFile(benchmark::State& state, int groups)
