@@ -211,8 +211,9 @@ public:
     bool     removeRoot(NodeType& type);
     void     getRootVec(std::vector<Node*>& out) const;
     unsigned rootCount() const { return static_cast<unsigned>(_rootBag.size()); }
-
-    // Writes the roots (of the given types, all without) through `action`; the nodes written.
+    // Hands every root (with `types`, only the roots of those types) to the writer's walk, in
+    // the order they were added; the caller opens and closes the document. Returns the number
+    // of roots written.
     unsigned int write(WriteAction& action, std::vector<NodeType*>* types);
     void         dump() const;
 

@@ -12,6 +12,7 @@ class EventOutSlot;
 class Field;
 class Node;
 class NodeLink;
+class NodeNameSpace;
 class Route;
 class WriteAction;
 
@@ -59,6 +60,9 @@ public:
 
     // Writes the node itself; false lets the writer write it in the common way.
     virtual bool write(WriteAction& action) { return false; }
+    // The namespace that the node roots (an inline's scene, for example), when it differs from
+    // the one the node lives in; null for none. The writers close such a scope after the node.
+    virtual NodeNameSpace* ownNameSpace() const { return nullptr; }
 
     // Takes over the state of `from`, the processor of the node this one's node was copied from.
     virtual void copy(const NodeProc& from) {}

@@ -53,6 +53,21 @@ public:
                                        precision);
         out.append(buffer, ptr);
     }
+    // printf("%.6f", value) of a float, without the general formatter: a float times 1e6 is
+    // exact in a double (24 significant bits times fewer than 2^20), so rounding that product
+    // to an integer (ties to even, as printf rounds an exact tie) gives the six decimals.
+    static void appendFixed6(std::string& out, float value)
+    {
+        char buffer[64];
+        out.append(buffer, writeFixed6(buffer, value));
+    }
+    // The same into a buffer of at least 64 characters; returns the end of the text.
+    static char* writeFixed6(char* p, float value);
+    // The shortest text that reads back (through parseDouble, and toFloat for a float) as the
+    // same value; into a buffer of at least 64 characters.
+    static char* writeShortest(char* p, double value);
+    static char* writeShortest(char* p, float value);
+
     static void appendInt(std::string& out, long long value)
     {
         char buffer[24];

@@ -54,6 +54,8 @@ struct ValueText {
     {
         if constexpr (std::is_same_v<Scalar, int>)
             NumberText::appendInt(out, s);
+        else if constexpr (std::is_same_v<Scalar, float>)
+            NumberText::appendFixed6(out, s);
         else
             NumberText::appendFixed(out, static_cast<double>(s), 6);
     }

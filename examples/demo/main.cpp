@@ -6,6 +6,7 @@
 #include "base/ConvertParam.h"
 #include "base/CopyAction.h"
 #include "base/FieldType.h"
+#include "base/GXDWriteAction.h"
 #include "base/Log.h"
 #include "base/MFNode.h"
 #include "base/MFString.h"
@@ -32,11 +33,13 @@
 #include "base/Observer.h"
 #include "base/System.h"
 #include "base/TaskManager.h"
+#include "base/VRMLWriteAction.h"
 #include "modules/x3d/X3DCatalog.h"
 #include "platform/tessil/Thread.h"
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <set>
 #include <string>
 
@@ -261,6 +264,63 @@ void protoDemo()
 }
 
 // ---- end of prototypes ----------------------------------------------------------------------
+
+// ---- Writers: the scene saved as classic VRML and as a component graph ----------------------
+
+// Prints a file written by the demo, then removes it.
+void printFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::string   line;
+    while (std::getline(in, line))
+        std::printf("  | %s\n", line.c_str());
+    std::remove(path.c_str());
+}
+
+void writerDemo()
+{
+    X3DCatalog::init();
+    SmartPtr<NodeNameSpace> scene(new NodeNameSpace("saved"));
+
+    // PROTO Pulse [ inputOutput SFFloat level 0.5 ] { Shape { appearance Appearance {
+    //   material DEF Glow Material { transparency IS level } } geometry Box {} } }
+    ProtoDeclaration* pulse = ProtoDeclaration::declare(*scene, "Pulse");
+    pulse->addField("inputOutput", "SFFloat", "level", "0.5");
+    Node* body = pulse->createBodyNode("Shape", "Body");
+    pulse->createBodyNode("Material", "Glow", pulse->createBodyNode("Appearance", nullptr, body));
+    pulse->createBodyNode("Box", nullptr, body);
+    pulse->addIsLink("level", "Glow", "transparency");
+
+    // DEF Root Transform { children [ DEF Left Transform { translation -2 0 0 children [ DEF SharedBox
+    //   Shape { geometry Box { size 1 2 3 } } ] } Group { children [ USE SharedBox DEF Beat Pulse {} ] }
+    //   DEF Clock TimeSensor { loop TRUE } ] }  ROUTE Clock.fraction_changed TO Beat.set_level
+    //   EXPORT SharedBox AS Crate
+    SmartPtr<Node> root(make(scene.get(), "Transform", "Root"));
+    Node* left = make(root.get(), "Transform", "Left");
+    left->findField("translation")->setValueByStr(0.0, "-2 0 0");
+    Node* shared = make(left, "Shape", "SharedBox");
+    make(shared, "Box", nullptr)->findField("size")->setValueByStr(0.0, "1 2 3");
+    Node* right = make(root.get(), "Group", nullptr);
+    right->addChild(shared);
+    SmartPtr<Node> beat(NodeType::createNode(scene.get(), "Pulse", "Beat", LoaderCreator));
+    right->addChild(beat.get());
+    make(root.get(), "TimeSensor", "Clock")->findField("loop")->setValueByStr(0.0, "TRUE");
+    scene->createRoute("Clock", "fraction_changed", "Beat", "set_level");
+    scene->exportNode("SharedBox", "Crate");
+
+    std::string dir = std::filesystem::temp_directory_path().string();
+    std::string wrl = dir + "/orvane-demo.wrl", gxd = dir + "/orvane-demo.gxd";
+    VRMLWriteAction vrml;
+    GXDWriteAction  graph;
+    bool vrmlDone = vrml.writeFile(*root, wrl);
+    bool graphDone = graph.writeFile(*root, gxd);
+    std::printf("\nThe scene written as classic VRML (%s):\n", vrmlDone ? "written" : "failed");
+    printFile(wrl);
+    std::printf("\nThe same scene as a component graph (%s):\n", graphDone ? "written" : "failed");
+    printFile(gxd);
+}
+
+// ---- end of writers -------------------------------------------------------------------------
 
 } // namespace
 
@@ -548,6 +608,7 @@ int main()
     eventDemo();
     copyDemo();
     protoDemo();
+    writerDemo();
     arrayDecodingDemo();
     runtime::runtimeDemo();
     return 0;

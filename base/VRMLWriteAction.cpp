@@ -1,0 +1,544 @@
+#include "base/VRMLWriteAction.h"
+
+#include "base/EventInSlot.h"
+#include "base/EventOutSlot.h"
+#include "base/Field.h"
+#include "base/Log.h"
+#include "base/Node.h"
+#include "base/NodeLink.h"
+#include "base/NodeNameSpace.h"
+#include "base/NodePartDesc.h"
+#include "base/NodeProc.h"
+#include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
+#include "base/ProtoDeclaration.h"
+#include "base/Route.h"
+#include "base/SFNode.h"
+
+#include <algorithm>
+
+namespace Orvane {
+
+namespace {
+
+bool isValuePart(const Field& field)
+{
+    NodePartType type = field.desc() ? field.desc()->partType() : field.type();
+    return type == FieldPartType || type == ExposedFieldPartType;
+}
+
+bool isInterface(WriteAction::FieldStyle style)
+{
+    return style == WriteAction::InterfaceStyle || style == WriteAction::ExternInterfaceStyle;
+}
+
+} // namespace
+
+VRMLWriteAction::VRMLWriteAction(const double& timeStamp) : WriteAction(timeStamp)
+{
+    VRMLWriteAction::reset();
+}
+
+VRMLWriteAction::VRMLWriteAction(const VRMLWriteAction& other)
+    : WriteAction(other), _routeBagStack(other._routeBagStack), _useTable(other._useTable),
+      _openFields(other._openFields), _deferred(other._deferred)
+{
+    VRMLWriteAction::reset();
+}
+
+VRMLWriteAction::VRMLWriteAction(const WriteAction& other) : WriteAction(other)
+{
+    VRMLWriteAction::reset();
+}
+
+VRMLWriteAction& VRMLWriteAction::operator=(const VRMLWriteAction& other)
+{
+    if (this != &other) {
+        _routeBagStack = other._routeBagStack;
+        _useTable = other._useTable;
+        _openFields = other._openFields;
+        _deferred = other._deferred;
+    }
+    return *this;
+}
+
+VRMLWriteAction::~VRMLWriteAction() = default;
+
+void VRMLWriteAction::reset()
+{
+    WriteAction::reset();
+    _useTable.clear();
+    _routeBagStack.clear();
+    _openFields.clear();
+    _protoWritten.clear();
+    setOption(VrmlResetOption, true);
+}
+
+NodeNameSpace& VRMLWriteAction::ownNameSpace(const Node& node)
+{
+    NodeNameSpace* own = node.proc() ? node.proc()->ownNameSpace() : nullptr;
+    return own ? *own : node.nameSpace();
+}
+
+void VRMLWriteAction::begin(std::ostream& stream, const std::string&)
+{
+    setStream(stream);
+    _protoWritten.clear();
+    if (good())
+        put("#VRML V2.0 utf8\n\n");
+    setCurrentNameSpace(nullptr);
+}
+
+void VRMLWriteAction::end()
+{
+    if (good())
+        put("\n\n");
+    flushRouteBag(true);
+    if (NodeNameSpace* current = currentNameSpace())
+        writeImportRoutes(*current);
+    resetStream();
+}
+
+bool VRMLWriteAction::beginNode(Node& node)
+{
+    if (&node.nameSpace() != currentNameSpace()) {
+        setCurrentNameSpace(&node.nameSpace());
+        writeProto(node.nameSpace());
+        setCurrentNameSpace(&node.nameSpace());
+    }
+    const std::string& typeName = writtenType(node).name();
+    if (!good())
+        return true;
+    if (!_openFields.empty() && _openFields.back()->dataType() == MFNodeType)
+        indent();
+
+    if (node.parentCount() < 2) {
+        if (!node.hasName() || (currentNameSpace() && node.isAutoNamed())) {
+            put(typeName);
+            put(" {");
+        } else {
+            put("DEF ");
+            put(node.name());
+            put(' ');
+            put(typeName);
+            put(" {");
+        }
+    } else {
+        auto it = _useTable.find(&node);
+        if (it != _useTable.end()) {
+            ++it->second.count;
+            if (!forbidNodeUSE()) {
+                put("USE ");
+                put(it->second.name);
+                put('\n');
+                return false;
+            }
+            put("DEF ");
+            put(it->second.name);
+            put('_');
+            putInt(it->second.count);
+            put(' ');
+            put(typeName);
+            put(" {");
+        } else {
+            std::string name;
+            if (node.hasName()) {
+                name = node.name();
+            } else {
+                // The ID text starts with the comment character of the file syntax; the
+                // name takes its number.
+                const std::string& id = node.getIDStr();
+                name = "AOPT_" + typeName + "_" + (id[0] == '#' ? id.substr(1) : id);
+            }
+            put("DEF ");
+            put(name);
+            put(' ');
+            put(typeName);
+            put(" {");
+            _useTable.emplace(&node, UseEntry{1, std::move(name)});
+        }
+    }
+
+    if (writeProcInfo() && node.proc()) {
+        std::string info = node.proc()->info();
+        if (!info.empty()) {
+            put("# ");
+            put(node.stateName());
+            put("; ");
+            put(info);
+            put('\n');
+        }
+    }
+    put('\n');
+
+    if (&ownNameSpace(node) != &node.nameSpace())
+        _routeBagStack.emplace_back();
+    setIndentLevel(indentLevel() + 1);
+    return true;
+}
+
+int VRMLWriteAction::endNode(Node& node)
+{
+    if (!good())
+        return indentLevel();
+
+    // Held-back fields; each is written while still listed, so that writeField does not hold
+    // it back again.
+    for (std::size_t i = 0; i < _deferred.size();) {
+        Field* field = _deferred[i];
+        if (&field->owner() == &node) {
+            writeField(*field, NormalStyle);
+            _deferred.erase(_deferred.begin() + static_cast<std::ptrdiff_t>(i));
+        } else {
+            ++i;
+        }
+    }
+
+    NodeNameSpace& own = ownNameSpace(node);
+    if (!(node.hasParents() && &own == &node.nameSpace())) {
+        writeExports(own);
+        flushRouteBag(true);
+        writeImportRoutes(node.nameSpace());
+    }
+    setCurrentNameSpace(node.hasParents() ? &node.nameSpace() : nullptr);
+
+    if (!isMapStack().empty() && !isMapStack().back().empty()) {
+        const IsMap& map = isMapStack().back();
+        for (unsigned id = 0, count = node.partCount(); id < count; ++id) {
+            Field* field = node.findField(id);
+            auto   it = field ? map.find(field) : map.end();
+            if (it == map.end())
+                continue;
+            indent();
+            put(field->nameOrNoName());
+            put(" IS ");
+            put(it->second->name());
+            put('\n');
+        }
+    }
+
+    setIndentLevel(indentLevel() - 1);
+    indent();
+    put("}\n");
+
+    if (node.hasName() && !node.nameSpace().importVec().empty())
+        writeImports(node);
+    return indentLevel();
+}
+
+void VRMLWriteAction::writeDeclaration(const Field& field, FieldStyle style)
+{
+    if (!isInterface(style))
+        return;
+    put(field.desc() ? field.desc()->partTypeName() : NodePartDesc::partTypeName(field.type()));
+    put(' ');
+    put(field.dataTypeName());
+    put(' ');
+}
+
+void VRMLWriteAction::writeValue(const Field& field)
+{
+    if (field.dataType() == SFStringType) {
+        const std::string& text = valueText(field);
+        put(" \"");
+        std::size_t from = 0;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] == '"' || text[i] == '\\') {
+                put(std::string_view(text).substr(from, i - from));
+                put('\\');
+                from = i;
+            }
+        }
+        put(std::string_view(text).substr(from));
+        put('"');
+    } else if (field.cardinality() == Field::Multi && field.empty()) {
+        put(" []");
+    } else if (field.size() < 2) {
+        put(' ');
+        putValue(field);
+    } else {
+        put(" [ ");
+        putValue(field);
+        put(" ]");
+    }
+}
+
+void VRMLWriteAction::writeField(Field& field, FieldStyle style)
+{
+    style = resolveStyle(field, style);
+    if (!good())
+        return;
+    if (style == NormalStyle && field.desc() && field.desc()->further() == 2
+        && std::find(_deferred.begin(), _deferred.end(), &field) == _deferred.end()) {
+        _deferred.push_back(&field);
+        return;
+    }
+    indent();
+    writeDeclaration(field, style);
+    put(field.nameOrNoName());
+    NodePartDesc* interfaceDesc = isInterface(style) ? getInterfaceDesc(field) : nullptr;
+    if (interfaceDesc) {
+        put(" IS ");
+        put(interfaceDesc->name());
+        isMapStack().back().erase(&field);
+    } else if (style != ExternInterfaceStyle && isValuePart(field)) {
+        writeValue(field);
+    }
+    put('\n');
+}
+
+bool VRMLWriteAction::openNodeField(Field& field, FieldStyle& style)
+{
+    _openFields.push_back(&field);
+    style = resolveStyle(field, style);
+    if (!good())
+        return false;
+    indent();
+    writeDeclaration(field, style);
+    put(field.nameOrNoName());
+    return true;
+}
+
+bool VRMLWriteAction::beginSFNode(Field& field, FieldStyle style)
+{
+    if (!openNodeField(field, style))
+        return true;
+    put(' ');
+    if (style != ExternInterfaceStyle && isValuePart(field)) {
+        if (!linkedNode(static_cast<SFNode&>(field).link()))
+            put("NULL\n");
+    } else {
+        put('\n');
+    }
+    return true;
+}
+
+void VRMLWriteAction::endSFNode(FieldStyle)
+{
+    if (!_openFields.empty())
+        _openFields.pop_back();
+}
+
+bool VRMLWriteAction::beginMFNode(Field& field, FieldStyle style)
+{
+    if (!openNodeField(field, style))
+        return true;
+    if (style != ExternInterfaceStyle && isValuePart(field))
+        put(field.empty() ? " []" : " [");
+    put('\n');
+    setIndentLevel(indentLevel() + 1);
+    return true;
+}
+
+void VRMLWriteAction::endMFNode(FieldStyle style)
+{
+    if (_openFields.empty())
+        return;
+    Field* field = _openFields.back();
+    _openFields.pop_back();
+    // With a failed stream beginMFNode did not raise the level.
+    if (!good())
+        return;
+    setIndentLevel(indentLevel() - 1);
+    style = resolveStyle(*field, style);
+    if (style != ExternInterfaceStyle && isValuePart(*field) && !field->empty()) {
+        indent();
+        put("]\n");
+    }
+}
+
+void VRMLWriteAction::writeRoute(Route& route)
+{
+    if (_routeBagStack.empty())
+        _routeBagStack.emplace_back();
+    Node& from = route.outSlot().node();
+    Node& to = route.inSlot().node();
+    if (!from.hasName() || !to.hasName() || isSkipNodeType(from) || isSkipNodeType(to))
+        return;
+    if (route.type() != Route::DEFAULT && !writeInternalRoutes())
+        return;
+    RouteBag& bag = _routeBagStack.back();
+    if (bag.members.insert(&route).second)
+        bag.order.push_back(&route);
+}
+
+void VRMLWriteAction::flushRouteBag(bool pop)
+{
+    if (_routeBagStack.empty())
+        return;
+    if (good()) {
+        for (Route* route : _routeBagStack.back().order) {
+            if (route->type() != Route::DEFAULT && !writeInternalRoutes())
+                continue;
+            Node& from = route->outSlot().node();
+            Node& to = route->inSlot().node();
+            if (!from.hasName() || !to.hasName()) {
+                ORV_PLOG("XXX Ignore Route with connects unnamed nodes\n");
+                continue;
+            }
+            const char* fromSlot = route->outSlot().findName();
+            const char* toSlot = route->inSlot().findName();
+            indent();
+            put("ROUTE ");
+            put(from.name());
+            put('.');
+            put(fromSlot ? fromSlot : "");
+            put(" TO ");
+            put(to.name());
+            put('.');
+            put(toSlot ? toSlot : "");
+            put('\n');
+        }
+    }
+    if (pop)
+        _routeBagStack.pop_back();
+}
+
+void VRMLWriteAction::writeSingleRoute(const char* fromNode, const char* fromField, const char* toNode,
+                                       const char* toField)
+{
+    if (!good())
+        return;
+    indent();
+    put("ROUTE ");
+    put(fromNode);
+    put('.');
+    put(fromField);
+    put(" TO ");
+    put(toNode);
+    put('.');
+    put(toField);
+    put('\n');
+}
+
+void VRMLWriteAction::writeExports(NodeNameSpace& nameSpace)
+{
+    if (!good())
+        return;
+    // Only the first line is indented.
+    indent();
+    for (const NodeNameSpace::Export& entry : nameSpace.exportVec()) {
+        const std::string& local = entry.node->name();
+        put("EXPORT ");
+        put(local);
+        if (!entry.name.empty() && entry.name != local) {
+            put(" AS ");
+            put(entry.name);
+        }
+        put('\n');
+    }
+}
+
+void VRMLWriteAction::writeImports(Node& node)
+{
+    if (!good())
+        return;
+    // Only the first line is indented.
+    indent();
+    NodeNameSpace& inner = ownNameSpace(node);
+    for (const NodeNameSpace::Import& entry : node.nameSpace().importVec()) {
+        if (entry.from != &inner)
+            continue;
+        put("IMPORT ");
+        put(node.name());
+        put('.');
+        put(entry.exportName);
+        if (!entry.localName.empty() && entry.localName != entry.exportName) {
+            put(" AS ");
+            put(entry.localName);
+        }
+        put('\n');
+    }
+}
+
+void VRMLWriteAction::writeInterface(Field& field, FieldStyle style)
+{
+    if (field.desc() && field.desc()->isNodeField())
+        writeContainerField(field, style, true);
+    else
+        writeField(field, style);
+}
+
+void VRMLWriteAction::writeProto(NodeNameSpace& nameSpace)
+{
+    if (resolveProto() || !_protoWritten.insert(&nameSpace).second)
+        return;
+    std::vector<NodeType*> protos;
+    nameSpace.nodeTypeNameSpace().getTypeVec(protos, 3);
+    // Alias names of a prototype are not declarations of their own; the rest in the order they
+    // were declared, so that a prototype comes before the prototypes whose bodies use it.
+    std::erase_if(protos, [](const NodeType* type) { return type->isAliasOf() != nullptr; });
+    std::sort(protos.begin(), protos.end(), [](const NodeType* a, const NodeType* b) { return a->ID() < b->ID(); });
+    if (protos.empty() || !good())
+        return;
+    indent();
+    put("# ");
+    putInt(static_cast<long long>(protos.size()));
+    put(" proto declaration\n");
+
+    for (NodeType* type : protos) {
+        ProtoDeclaration* declaration = type->protoDeclaration();
+        if (!declaration)
+            continue;
+        if (declaration->isExternal()) {
+            indent();
+            put("EXTERNPROTO ");
+            put(type->name());
+            put(" [\n");
+            setIndentLevel(indentLevel() + 1);
+            isMapStack().emplace_back();
+            for (unsigned i = 0; i < declaration->fieldCount(); ++i)
+                writeInterface(*declaration->field(i), ExternInterfaceStyle);
+            setIndentLevel(indentLevel() - 1);
+            isMapStack().pop_back();
+            const std::string url = declaration->urls().empty() ? std::string() : declaration->urls().front();
+            const std::string& name = declaration->externName().empty() ? type->name() : declaration->externName();
+            indent();
+            put("] \"");
+            put(std::string_view(url).substr(0, url.find('#')));
+            put('#');
+            put(name);
+            put("\"\n\n");
+            continue;
+        }
+
+        indent();
+        put("PROTO ");
+        put(type->name());
+        put(" [\n");
+        setIndentLevel(indentLevel() + 1);
+        IsMap& links = isMapStack().emplace_back();
+        for (const ProtoDeclaration::IsLink& link : declaration->isLinks()) {
+            Node*               bodyNode = declaration->body().findNode(link.node);
+            Field*              bodyField = bodyNode ? bodyNode->findField(link.partID) : nullptr;
+            const NodePartDesc* interfaceDesc = declaration->fieldDesc(link.field);
+            if (!bodyField || !interfaceDesc) {
+                ORV_WARNING("Invalid IS link in proto desc\n");
+                continue;
+            }
+            links[bodyField] = interfaceDesc;
+        }
+        for (unsigned i = 0; i < declaration->fieldCount(); ++i)
+            writeInterface(*declaration->field(i), InterfaceStyle);
+        setIndentLevel(indentLevel() - 1);
+        indent();
+        put("] {\n");
+        setIndentLevel(indentLevel() + 1);
+        setCurrentNameSpace(&declaration->body());
+        writeProto(declaration->body());
+        for (const SmartPtr<Node>& root : declaration->rootNodes()) {
+            if (!root)
+                continue;
+            indent();
+            writeNode(*root);
+        }
+        isMapStack().pop_back();
+        flushRouteBag(true);
+        setCurrentNameSpace(nullptr);
+        setIndentLevel(indentLevel() - 1);
+        indent();
+        put("}\n\n");
+    }
+}
+
+} // namespace Orvane
