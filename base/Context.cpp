@@ -3,18 +3,19 @@
 #include "base/ContextSetup.h"
 #include "base/Field.h"
 #include "base/ImageDownloadCache.h"
-#include "base/ProtoLibrary.h"
 #include "base/Log.h"
 #include "base/Node.h"
 #include "base/NodeNameSpace.h"
 #include "base/NodePartDesc.h"
 #include "base/NodeType.h"
+#include "base/ProtoLibrary.h"
 #include "base/SFBool.h"
 #include "base/SFFloat.h"
 #include "base/SFInt32.h"
 #include "base/SFString.h"
 #include "base/Subject.h"
 #include "base/System.h"
+#include "base/WriteAction.h"
 
 #include <algorithm>
 #include <charconv>
@@ -793,6 +794,20 @@ std::string Context::paramSValue(unsigned int id)
     default:
         return field->strValue();
     }
+}
+
+unsigned int Context::write(WriteAction& action, std::vector<NodeType*>* types)
+{
+    unsigned int written = 0;
+    for (const SmartPtr<Node>& root : _rootBag) {
+        if (!root)
+            continue;
+        if (types && std::find(types->begin(), types->end(), &root->type()) == types->end())
+            continue;
+        action.writeNode(*root);
+        ++written;
+    }
+    return written;
 }
 
 } // namespace Orvane
