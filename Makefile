@@ -1,5 +1,5 @@
 # The entry points of the project. Every target first installs whatever packages are missing.
-.PHONY: setup demo test bench sanitize tsan fuzz clean
+.PHONY: setup demo test bench sanitize tsan fuzz clean x3d-catalog
 
 CMAKE_BUILD = flock /tmp/orvane-build.lock cmake --build
 
@@ -36,6 +36,10 @@ fuzz:
 	cmake --preset fuzz
 	$(CMAKE_BUILD) --preset fuzz
 	scripts/run-fuzzers build/fuzz/fuzz
+
+# Regenerates modules/x3d/X3DCatalogTable.cpp from the X3D Unified Object Model in ../shared/x3duom/.
+x3d-catalog:
+	scripts/generate-x3d-catalog
 
 clean:
 	rm -rf build

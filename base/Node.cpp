@@ -747,8 +747,13 @@ NodeLink* Node::addChild(Node* child, const char* fieldName, NameSpaceTransfer t
         std::int32_t bestDistance = -1;
         const NodeType& base = Node::classType();
         forEachNodeField(*this, [&](Field& field) {
+            // Pure input or output events (addChildren, removeChildren) hold no children.
+            if (field.desc() && (field.desc()->partType() == EventInPartType ||
+                                 field.desc()->partType() == EventOutPartType))
+                return;
             NodeType* allowed = field.desc() ? field.desc()->nodeType() : nullptr;
-            std::int32_t distance = child->type().isADistance(allowed ? *allowed : base);
+            std::int32_t distance = allowed ? field.desc()->allowedTypeDistance(child->type())
+                                            : child->type().isADistance(base);
             if (distance < 0 && !allowed)
                 distance = 0x7fffffff;  // a tree of its own: any field takes it, last in line
             if (distance < 0)

@@ -99,9 +99,9 @@ bool NodeLink::setNode(const Node* node)
     if (child && child == _node.get())
         return true;
 
-    NodeType* allowed = nullptr;
+    const NodePartDesc* restricted = nullptr;
     if (_field && _field->desc() && _field->desc()->valueRestriction() == NodeTypeRestriction)
-        allowed = _field->desc()->nodeType();
+        restricted = _field->desc();
     Node* owner = parent();
 
     if (_node) {
@@ -132,9 +132,9 @@ bool NodeLink::setNode(const Node* node)
     }
 
     // The old child is gone already, so a refused child leaves the link empty.
-    if (allowed && !child->type().isA(*allowed)) {
+    if (restricted && !restricted->acceptsNodeType(child->type())) {
         ORV_WARNING("Can't NodeLink::setNode() for node %s of type %s, because NodeLink needs %s Node\n",
-                    child->getIDStr().c_str(), child->type().name().c_str(), allowed->name().c_str());
+                    child->getIDStr().c_str(), child->type().name().c_str(), restricted->valueType().c_str());
         return false;
     }
 

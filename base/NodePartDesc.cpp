@@ -85,7 +85,7 @@ NodePartDesc::NodePartDesc(unsigned id, PartMask mask, NodePartType partType, No
 NodePartDesc::NodePartDesc(const NodePartDesc& other, const PartMask* mask)
     : BaseObject(), _flags(other._flags), _ID(other._ID), _mask(mask ? *mask : other._mask),
       _partType(other._partType), _dataType(other._dataType), _valueType(other._valueType),
-      _ownerType(other._ownerType), _valueRestriction(other._valueRestriction), _nodeType(other._nodeType),
+      _ownerType(other._ownerType), _valueRestriction(other._valueRestriction), _nodeType(other._nodeType), _nodeTypes(other._nodeTypes),
       _minValue(other._minValue), _maxValue(other._maxValue), _valueList(other._valueList),
       _fieldName(other._fieldName), _inSlotName(other._inSlotName), _outSlotName(other._outSlotName),
       _defaultValue(other._defaultValue), _group(other._group), _description(other._description),
@@ -118,6 +118,7 @@ void NodePartDesc::init(NodeType& owner)
     _ownerType = &owner;
     _valueRestriction = NoRestriction;
     _nodeType = nullptr;
+    _nodeTypes.clear();
     _valueList.clear();
     if (_valueType.empty())
         return;
@@ -171,9 +172,22 @@ void NodePartDesc::updateNodeType() const
         ORV_FATAL("No valid _refType, cannot update nodeType: %s\n", _valueType.c_str());
         return;
     }
-    _nodeType = NodeTypeNameSpace::findType(&_ownerType->nameSpace(), _valueType, CaseSensitive);
-    if (!_nodeType)
-        ORV_FATAL("Cannot find %s for %s ref\n", _valueType.c_str(), _ownerType->name().c_str());
+    _nodeTypes.clear();
+    std::string::size_type pos = 0;
+    while (pos <= _valueType.size()) {
+        auto end = _valueType.find('|', pos);
+        if (end == std::string::npos)
+            end = _valueType.size();
+        if (end > pos) {
+            std::string name = _valueType.substr(pos, end - pos);
+            if (NodeType* type = NodeTypeNameSpace::findType(&_ownerType->nameSpace(), name, CaseSensitive))
+                _nodeTypes.push_back(type);
+            else
+                ORV_FATAL("Cannot find %s for %s ref\n", name.c_str(), _ownerType->name().c_str());
+        }
+        pos = end + 1;
+    }
+    _nodeType = _nodeTypes.empty() ? nullptr : _nodeTypes.front();
 }
 
 NodeType* NodePartDesc::nodeType() const
@@ -183,6 +197,28 @@ NodeType* NodePartDesc::nodeType() const
     if (!_nodeType)
         updateNodeType();
     return _nodeType;
+}
+
+bool NodePartDesc::acceptsNodeType(const NodeType& type) const
+{
+    if (!nodeType())
+        return true;
+    for (const NodeType* allowed : _nodeTypes)
+        if (type.isKindOf(*allowed))
+            return true;
+    return false;
+}
+
+std::int32_t NodePartDesc::allowedTypeDistance(const NodeType& type) const
+{
+    std::int32_t best = -1;
+    if (nodeType())
+        for (const NodeType* allowed : _nodeTypes) {
+            std::int32_t distance = type.kindDistance(*allowed);
+            if (distance >= 0 && (best < 0 || distance < best))
+                best = distance;
+        }
+    return best;
 }
 
 std::string NodePartDesc::valueListElem(const std::string& current, ListSelect select) const

@@ -104,6 +104,12 @@ public:
     // The allowed node type of a node-type restriction, resolved on first need; null when the
     // restriction is another one or the type can not be found (yet).
     NodeType* nodeType() const;
+    // A node-type restriction may name alternatives separated by '|' ("Coordinate|CoordinateDouble").
+    // Whether a node of `type` may hang in this node field: always, unless a node-type restriction
+    // resolves; then when the type is a kind of one of the allowed types (additional parents count).
+    bool         acceptsNodeType(const NodeType& type) const;
+    // The shortest kindDistance from `type` to an allowed type; -1 when none is, or none resolves.
+    std::int32_t allowedTypeDistance(const NodeType& type) const;
 
     std::string valueListElem(const std::string& current, ListSelect select) const;
 
@@ -131,6 +137,7 @@ private:
     NodeType*                _ownerType = nullptr;
     NodePartValueRestriction _valueRestriction = InvalidRestriction;
     mutable NodeType*        _nodeType = nullptr;
+    mutable std::vector<NodeType*> _nodeTypes;  // every resolved alternative, _nodeType first
     double                   _minValue = 0.0;
     double                   _maxValue = 0.0;
     std::list<std::string>   _valueList;

@@ -234,9 +234,12 @@ NodeType::~NodeType()
         _parentNodeType->_derivedNodeTypeList.remove(this);
     for (NodeType* child : _derivedNodeTypeList)
         child->_parentNodeType = nullptr;
-    for (NodeType* other : others)
+    for (NodeType* other : others) {
         if (other->_defaultDescendant == this)
             other->_defaultDescendant = nullptr;
+        auto& extra = other->_additionalParents;
+        extra.erase(std::remove(extra.begin(), extra.end(), this), extra.end());
+    }
 }
 
 // --- queries ---
@@ -328,6 +331,61 @@ bool NodeType::isA(const NodeType& other) const
     return walkTypes(this, other, "isA") >= 0;
 }
 
+// initType refuses an additional parent that closes a cycle, but a parent chain completed later
+// can still close one; the depth bound keeps the walk finite whatever the declarations say.
+constexpr unsigned maxKindDepth = 64;
+
+bool NodeType::isKindOf(const NodeType& other) const
+{
+    return kindOf(other, 0);
+}
+
+bool NodeType::kindOf(const NodeType& other, unsigned depth) const
+{
+    for (const NodeType* t = this; t && depth < maxKindDepth; t = t->_parentNodeType, ++depth) {
+        if (t == &other)
+            return true;
+        for (const NodeType* extra : t->_additionalParents)
+            if (extra->kindOf(other, depth + 1))
+                return true;
+    }
+    return false;
+}
+
+std::int32_t NodeType::kindDistance(const NodeType& other) const
+{
+    return kindDistance(other, 0);
+}
+
+std::int32_t NodeType::kindDistance(const NodeType& other, unsigned depth) const
+{
+    std::int32_t best = -1;
+    std::int32_t distance = 0;
+    for (const NodeType* t = this; t && depth < maxKindDepth && (best < 0 || distance < best);
+         t = t->_parentNodeType, ++distance, ++depth) {
+        if (t == &other)
+            return distance;
+        for (const NodeType* extra : t->_additionalParents) {
+            std::int32_t via = extra->kindDistance(other, depth + 1);
+            if (via >= 0 && (best < 0 || distance + 1 + via < best))
+                best = distance + 1 + via;
+        }
+    }
+    return best;
+}
+
+void NodeType::addAdditionalParent(const char* name)
+{
+    if (name && *name)
+        _additionalNames.emplace_back(name);
+}
+
+void NodeType::addPartAlias(const char* alias, const char* partName)
+{
+    if (alias && *alias && partName && *partName)
+        _partAliases.emplace_back(alias, partName);
+}
+
 bool NodeType::isAGenericGroupNode() const
 {
     for (NodePartDesc* desc : _descVec) {
@@ -415,6 +473,7 @@ int NodeType::initType(bool force)
     _inSlotMap.clear();
     _outSlotMap.clear();
     _logFeatureMask.reset();
+    _additionalParents.clear();
 
     int failures = 0;
     if (!_parentName.empty()) {
@@ -464,8 +523,44 @@ int NodeType::initType(bool force)
         if (!desc->outSlotName().empty())
             _outSlotMap.emplace(desc->outSlotName(), desc);
     }
+    for (const auto& [alias, partName] : _partAliases) {
+        NodePartDesc* desc = findPart(partName);
+        if (!desc || findPart(alias)) {
+            ORV_WARNING("%s: Can not make %s an alias of %s\n", _name.c_str(), alias.c_str(), partName.c_str());
+            ++failures;
+            continue;
+        }
+        // The alias answers with the slot names its access type gives, the real names come first.
+        if (desc->holdsField())
+            _fieldMap.emplace(alias, desc);
+        if (desc->partType() == ExposedFieldPartType) {
+            _inSlotMap.emplace("set_" + alias, desc);
+            _outSlotMap.emplace(alias + "_changed", desc);
+        } else if (desc->hasInSlot()) {
+            _inSlotMap.emplace(alias, desc);
+        } else if (desc->hasOutSlot()) {
+            _outSlotMap.emplace(alias, desc);
+        }
+    }
     if (!_descVec.empty() && _descVec[0] && _descVec[0]->ownerType() == &Node::classType())
         _logFeatureMask = _descVec[0]->mask();
+
+    for (const std::string& extraName : _additionalNames) {
+        NodeType* extra = NodeTypeNameSpace::findType(_nameSpace, extraName, CaseSensitive);
+        if (!extra) {
+            ORV_FATAL("Can't find NodeType for %s, additional parent of %s\n", extraName.c_str(), _name.c_str());
+            ++failures;
+            continue;
+        }
+        failures += extra->initType(false);
+        if (extra->isKindOf(*this)) {
+            ORV_FATAL("%s can not be an additional parent of %s: it is a kind of it\n", extraName.c_str(),
+                      _name.c_str());
+            ++failures;
+            continue;
+        }
+        _additionalParents.push_back(extra);
+    }
 
     if (!_defaultDescendantOf.empty()) {
         NodeType* abstract = NodeTypeNameSpace::findType(_nameSpace, _defaultDescendantOf, CaseSensitive);

@@ -12,6 +12,7 @@
 #include <mutex>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Orvane {
@@ -115,6 +116,20 @@ public:
     NodeType*    isDefaultDescendantOf() const;
     bool         setDefaultDescendant(NodeType* type);
 
+    // Multiple inheritance of abstract types: further types this one is a kind of beside its
+    // parent (an X3D grouping node is also a bounded object). Named before initType, which
+    // resolves them; their descriptors are not merged, the type declares those fields itself.
+    void                          addAdditionalParent(const char* name);
+    const std::vector<NodeType*>& additionalParents() const { return _additionalParents; }
+    // isA that also follows the additional parents of this type and of its ancestors.
+    bool         isKindOf(const NodeType& other) const;
+    // The shortest step count to `other` along parents and additional parents; -1 when none.
+    std::int32_t kindDistance(const NodeType& other) const;
+
+    // Another name for one of the type's parts (a field renamed between standard versions): from
+    // initType on, the alias and its slot names find the part wherever its own names do.
+    void addPartAlias(const char* alias, const char* partName);
+
     // Completes the type once all types exist; the number of failures. `force` runs it again.
     int        initType(bool force = false);
     static int initTypeTree(bool force = false);
@@ -149,6 +164,8 @@ private:
     // The interface changed: descriptors are merged again before the next node is made.
     void protoChanged() { _isInitialized = false; }
 
+    bool         kindOf(const NodeType& other, unsigned depth) const;
+    std::int32_t kindDistance(const NodeType& other, unsigned depth) const;
     // Adds `delta` to this type's node count and to every ancestor's.
     void changeObjCounter(int delta) const;
     void setStatusID();
@@ -188,6 +205,9 @@ private:
     PartMask             _logFeatureMask;
     SmartPtr<NodeType>   _aliasHold;   // an alias keeps the type it stands for
     SmartPtr<NodeNameSpace> _protoScene;  // where a declaration made without scene lives
+    std::vector<std::string> _additionalNames;
+    std::vector<NodeType*>   _additionalParents;
+    std::vector<std::pair<std::string, std::string>> _partAliases;  // alias, part name
 };
 
 } // namespace Orvane

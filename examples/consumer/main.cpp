@@ -8,6 +8,7 @@
 #include "base/NodeType.h"
 #include "base/NodeTypeNameSpace.h"
 #include "base/SmartPtr.h"
+#include "modules/x3d/X3DCatalog.h"
 
 #include <cstdio>
 
@@ -33,5 +34,14 @@ int main()
     point->setValueByStr(0.0, "0 1 2, 3 4 5");
     std::string text = point->strValue();
     std::printf("consumer: %s = [%s]\n", point->findName(), text.c_str());
-    return text == "0.000000 1.000000 2.000000, 3.000000 4.000000 5.000000" ? 0 : 1;
+    if (text != "0.000000 1.000000 2.000000, 3.000000 4.000000 5.000000")
+        return 1;
+
+    // The X3D catalog module: a standard node with its standard defaults.
+    X3DCatalog::init();
+    SmartPtr<Node> transform(NodeType::createNode(scene.get(), "Transform", nullptr, UnknownCreator));
+    Field* scale = transform ? transform->findField("scale") : nullptr;
+    std::string scaleText = scale ? scale->strValue() : std::string();
+    std::printf("consumer: Transform.scale = [%s]\n", scaleText.c_str());
+    return scaleText == "1 1 1" ? 0 : 1;
 }

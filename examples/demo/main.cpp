@@ -1,7 +1,7 @@
-// The demo: what the library does, as far as it stands. Node types declared in code, a node of
-// one with its fields set from text and printed back while a listener sees every change, a
-// small scene with a shared (DEF/USE) node, printed as a tree, and events routed through a
-// scene, one route loop included, with what each node received.
+// The demo: what the library does, as far as it stands. A node type declared in code, a node of
+// it with its fields set from text and printed back while a listener sees every change, a small
+// scene of X3D catalog nodes with a shared (DEF/USE) node, printed as a tree, and events routed
+// through a scene, one route loop included, with what each node received.
 #include "base/Context.h"
 #include "base/ConvertParam.h"
 #include "base/FieldType.h"
@@ -27,6 +27,7 @@
 #include "base/Route.h"
 #include "base/SFTime.h"
 #include "base/SmartPtr.h"
+#include "modules/x3d/X3DCatalog.h"
 
 #include <cstdio>
 #include <set>
@@ -45,15 +46,6 @@ public:
     }
 };
 
-// Declares a native type under "Node": the descriptors follow the two every type inherits.
-NodeType& declareType(const char* name, const char* parent, NodePartDesc* parts, unsigned count,
-                      bool abstract = false)
-{
-    return *new NodeType(theBaseNodeTypeFactory(), name, "Demo", parent, nullptr, "1.0", "Demo", nullptr, "stable",
-                         nullptr, "Orvane", false, false, &Node::isNodeType, abstract ? nullptr : &Node::createNode,
-                         abstract ? nullptr : &Node::createProc, parts, count);
-}
-
 // Prints a node and everything below it; a node met before is printed as USE.
 void printTree(const Node& node, int depth, std::set<const Node*>& seen, const char* field = nullptr)
 {
@@ -70,7 +62,7 @@ void printTree(const Node& node, int depth, std::set<const Node*>& seen, const c
     for (unsigned i = 0; i < node.partCount(); ++i) {
         Field* f = node.findField(i);
         if (!f || (f->dataType() != SFNodeType && f->dataType() != MFNodeType)) {
-            if (f && i > 1 && !f->valueIsDefault())
+            if (f && i > 1 && !f->valueIsDefault() && !f->strValue().empty())
                 std::printf("%s  %s %s\n", indent.c_str(), f->findName(), f->strValue().c_str());
             continue;
         }
@@ -95,51 +87,41 @@ Node* make(BaseObject* parent, const char* type, const char* name)
 
 void sceneDemo()
 {
-    // Three types of our own: an abstract shape, a box and a ball, and a group that takes any node.
-    static NodePartDesc groupParts[] = {
-        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, MFNodeType, NodePartDesc::CtorAutoProcess,
-                     "children"),
-    };
-    static NodePartDesc shapeParts[] = {
-        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFColorType, NodePartDesc::CtorAutoProcess,
-                     "color", nullptr, "0.8 0.8 0.8"),
-    };
-    static NodePartDesc boxParts[] = {
-        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, SFVec3fType, NodePartDesc::CtorAutoProcess, "size",
-                     nullptr, "2 2 2"),
-    };
-    static NodePartDesc ballParts[] = {
-        NodePartDesc(3, PartMask::bit(3), ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess,
-                     "radius", nullptr, "1", "[0,1000]"),
-    };
-    declareType("Group", "Node", groupParts, 1);
-    NodeType& shape = declareType("Shape", "Node", shapeParts, 1, true);
-    declareType("Box", "Shape", boxParts, 1);
-    declareType("Ball", "Shape", ballParts, 1);
-    NodeType::initTypeTree();
-    std::printf("\nNode types: %u registered; Ball is a Shape at distance %d\n", NodeType::typeCount(),
-                NodeTypeNameSpace::findType(&theBaseNodeTypeFactory(), "Ball")->isADistance(shape));
+    // The standard's node types come from the X3D catalog module.
+    X3DCatalog& catalog = X3DCatalog::init();
+    NodeType&   geometry = *NodeTypeNameSpace::findType(&theBaseNodeTypeFactory(), "X3DGeometryNode");
+    std::printf("\nNode types: %u registered, %u of them concrete X3D types; Sphere is an X3DGeometryNode at "
+                "distance %d\n",
+                NodeType::typeCount(), catalog.concreteTypeCount(),
+                NodeTypeNameSpace::findType(&theBaseNodeTypeFactory(), "Sphere")->isADistance(geometry));
 
-    // A scene: two groups that share one DEF'd box.
+    // A scene: a transform and a group that share one DEF'd shape, and a clock.
     SmartPtr<NodeNameSpace> scene(new NodeNameSpace("scene"));
-    SmartPtr<Node> root(make(scene.get(), "Group", "Root"));
-    Node* left = make(root.get(), "Group", "Left");
+    SmartPtr<Node> root(make(scene.get(), "Transform", "Root"));
+    Node* left = make(root.get(), "Transform", "Left");
+    left->findField("translation")->setValueByStr(0.0, "-2 0 0");
     Node* right = make(root.get(), "Group", nullptr);
-    Node* box = make(left, "Box", "SharedBox");
-    box->findField("size")->setValueByStr(0.0, "1 2 3");
-    right->addChild(box);  // USE SharedBox
-    Node* ball = make(right, "Ball", nullptr);
-    ball->findField("radius")->setValueByStr(0.0, "0.5");
+    Node* shape = make(left, "Shape", "SharedBox");
+    make(shape, "Box", nullptr)->findField("size")->setValueByStr(0.0, "1 2 3");
+    right->addChild(shape);  // USE SharedBox
+    make(make(right, "Shape", nullptr), "Sphere", nullptr)->findField("radius")->setValueByStr(0.0, "0.5");
+    make(root.get(), "TimeSensor", "Clock")->findField("loop")->setValueByStr(0.0, "TRUE");
+    // Only child nodes go into children: a Material is refused there.
+    SmartPtr<Node> material(make(scene.get(), "Material", nullptr));
+    Log::the().setLevel(LOG_LOG);
+    std::printf("A Material among the root's children: %s\n",
+                root->addChild(material.get(), "children") ? "taken" : "refused");
+    Log::the().setLevel(LOG_NOTICE);
     root->setTreeState(0.0, Live);
 
-    std::printf("\nThe scene, %d nodes in namespace \"%s\"; the shared box is found by name: %s\n",
-                scene->nodeCount(), scene->name().c_str(), scene->findNode("SharedBox") == box ? "yes" : "no");
+    std::printf("\nThe scene, %d nodes in namespace \"%s\"; the shared shape is found by name: %s\n",
+                scene->nodeCount(), scene->name().c_str(), scene->findNode("SharedBox") == shape ? "yes" : "no");
     std::set<const Node*> seen;
     printTree(*root, 1, seen);
 
-    std::printf("\nShape nodes alive: %u; removing the box from Left leaves it in the unnamed group:\n",
-                shape.objectCount());
-    left->removeChild(box);
+    std::printf("\nGeometry nodes alive: %u; removing the shape from Left leaves it in the unnamed group:\n",
+                geometry.objectCount());
+    left->removeChild(shape);
     seen.clear();
     printTree(*root, 1, seen);
 }

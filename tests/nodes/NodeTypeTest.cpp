@@ -307,3 +307,66 @@ TEST(NodeLeakTest, ATreeOfTenThousandNodesGoesAwayCompletely)
     EXPECT_EQ(BaseObject::baseObjCount(), objects);
     EXPECT_EQ(group.objectCount(), 0u);
 }
+
+// Bounded and Grouping are abstract types beside the tree; Frame is a Grouping and so a Bounded.
+TEST(AdditionalParentTest, KindsFollowAdditionalParentsAliasesAndAlternatives)
+{
+    TypeScope scope("extra");
+    NodeType& bounded = scope.declare("Bounded", "Node", {}, 2, {.abstract = true});
+    NodeType& grouping = scope.declare("Grouping", "Node", {}, 2, {.abstract = true});
+    NodeType& frame = scope.declare(
+        "Frame", "Node",
+        {{"kids", ExposedFieldPartType, MFNodeType, 0, nullptr, "Bounded|Missing"}, {"size", ExposedFieldPartType, SFFloatType}});
+    NodeType& plain = scope.declare("Plain", "Node", {});
+    grouping.addAdditionalParent("Bounded");
+    frame.addAdditionalParent("Grouping");
+    bounded.addAdditionalParent("Frame");  // would close a cycle
+    plain.addAdditionalParent("Nowhere");
+    frame.addPartAlias("extent", "size");
+    frame.addPartAlias("other", "nothing");
+
+    LogCapture log;
+    int failures = 0;
+    for (NodeType* type : {&bounded, &grouping, &frame, &plain})
+        failures += type->initType();
+    EXPECT_EQ(failures, 3);
+    EXPECT_TRUE(log.contains("Frame can not be an additional parent of Bounded: it is a kind of it\n", LOG_FATAL));
+    EXPECT_TRUE(log.contains("Can't find NodeType for Nowhere, additional parent of Plain\n", LOG_FATAL));
+    EXPECT_TRUE(log.contains("Frame: Can not make other an alias of nothing\n", LOG_WARNING));
+
+    EXPECT_TRUE(frame.isKindOf(bounded));
+    EXPECT_FALSE(frame.isA(bounded));
+    EXPECT_EQ(frame.kindDistance(bounded), 2);
+    EXPECT_EQ(frame.kindDistance(Node::classType()), 1);
+    EXPECT_FALSE(bounded.isKindOf(frame));
+    EXPECT_EQ(plain.kindDistance(bounded), -1);
+
+    EXPECT_EQ(frame.findFieldPart("extent"), frame.findFieldPart("size"));
+    EXPECT_EQ(frame.findInSlotPart("set_extent"), frame.findFieldPart("size"));
+    EXPECT_EQ(frame.findOutSlotPart("extent_changed"), frame.findFieldPart("size"));
+
+    // The restriction names two alternatives; the unknown one is reported and the other holds.
+    SmartPtr<Node> outer = scope.make("Frame"), inner = scope.make("Frame"), stranger = scope.make("Plain");
+    auto& kids = static_cast<MFNode&>(*outer->findField("kids"));
+    EXPECT_NE(kids.addChild(inner.get()), nullptr);
+    EXPECT_TRUE(log.contains("Cannot find Missing for Frame ref\n", LOG_FATAL));
+    EXPECT_EQ(kids.addChild(stranger.get()), nullptr);
+    EXPECT_TRUE(log.contains("Can't NodeLink::setNode() for node " + stranger->getIDStr() +
+                             " of type Plain, because NodeLink needs Bounded|Missing Node\n"));
+    EXPECT_NE(outer->addChild(scope.make("Frame").get()), nullptr);
+    EXPECT_EQ(kids.size(), 2u);
+}
+
+// A parent chain completed after an additional parent can still close a cycle; walks stay finite.
+TEST(AdditionalParentTest, ACycleThroughTheParentChainEndsTheWalk)
+{
+    TypeScope scope("cycle");
+    NodeType& inner = scope.declare("Inner", "Outer", {}, 2, {.abstract = true});
+    NodeType& outer = scope.declare("Outer", "Node", {}, 2, {.abstract = true});
+    NodeType& plain = scope.declare("Plain", "Node", {});
+    outer.addAdditionalParent("Inner");
+    scope.initAll();
+    EXPECT_TRUE(inner.isKindOf(outer));
+    EXPECT_FALSE(inner.isKindOf(plain));
+    EXPECT_EQ(outer.kindDistance(plain), -1);
+}
