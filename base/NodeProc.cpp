@@ -1,5 +1,6 @@
 #include "base/NodeProc.h"
 
+#include "base/Context.h"
 #include "base/CopyAction.h"
 #include "base/Node.h"
 #include "base/NodeNameSpace.h"
@@ -15,6 +16,16 @@ void NodeProc::exportEvent(EventOutSlot& slot, Field& value, const double& time)
 Node* NodeProc::copy(CopyAction& action)
 {
     return _node ? action.copyNode(*_node) : nullptr;
+}
+
+bool NodeProc::setContextState(const double& timeStamp, double frameRate, double targetRate, double frameTime,
+                               float navSpeed)
+{
+    Context* context = _node ? _node->context() : nullptr;
+    if (!context)
+        return false;
+    context->setFrameValues(timeStamp, frameRate, targetRate, frameTime, navSpeed);
+    return true;
 }
 
 } // namespace Orvane

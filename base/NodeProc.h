@@ -75,6 +75,12 @@ public:
     // A short text about the processor's state for diagnostics; empty by default.
     virtual std::string info() const { return std::string(); }
 
+protected:
+    // For the processor of a context root: hands the frame values to the context that runs the
+    // node's scene. False when the node has no context.
+    bool setContextState(const double& timeStamp, double frameRate, double targetRate, double frameTime,
+                         float navSpeed);
+
 private:
     friend class Node;
     Node* _node = nullptr;

@@ -16,6 +16,7 @@
 #include "base/Subject.h"
 
 #include <algorithm>
+#include <sstream>
 #include <cctype>
 
 namespace Orvane {
@@ -727,6 +728,18 @@ int NodeType::reportDocStatus(std::ostream& out, bool verbose)
             out << type->_name << ": " << type->_status << ", " << missing << " texts missing\n";
     }
     return undocumented;
+}
+
+bool NodeType::reportDocStatus(const std::string& text, bool set)
+{
+    if (!set)
+        return true;
+    std::ostringstream report;
+    const int undocumented = reportDocStatus(report, text == "all");
+    std::string lines = report.str();
+    if (!lines.empty())
+        ORV_PLOG("DocStatus:\n%s", lines.c_str());
+    return undocumented == 0;
 }
 
 // --- creation ---

@@ -142,6 +142,10 @@ public:
     static std::mutex& typeIDMapMutex();
     static void        dumpStatic();
     static int         reportDocStatus(std::ostream& out, bool verbose);
+    // The report asked for at start-up: with `set`, written to the log, every type for the text
+    // "all" and only the incomplete ones otherwise; true when every type is documented. Without
+    // `set` nothing is checked and the answer is true.
+    static bool        reportDocStatus(const std::string& text, bool set);
     void               dump() const;
 
     // The one place where nodes come into being.

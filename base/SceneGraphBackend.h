@@ -22,6 +22,8 @@ public:
     virtual void clearChangeList() {}
     // Register the calling worker thread so that it may touch scene-graph containers.
     virtual void registerWorkerThread() {}
+    // Free the texture chunks the back end keeps for shared images (at system exit).
+    virtual void shutdownTextureCache() {}
 
     // The installed back end (never null), and installing one: null restores the default.
     // The caller keeps ownership and keeps the back end alive while installed.

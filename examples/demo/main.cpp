@@ -28,8 +28,14 @@
 #include "base/SFTime.h"
 #include "base/SmartPtr.h"
 #include "modules/x3d/X3DCatalog.h"
+#include "base/ImageDownloadCache.h"
+#include "base/Observer.h"
+#include "base/System.h"
+#include "base/TaskManager.h"
+#include "platform/tessil/Thread.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <set>
 #include <string>
 
@@ -278,6 +284,144 @@ void conversionDemo(Node& lamp)
                 copy.equalValue(points) ? "equal" : "different");
 }
 
+
+// ===== The runtime: System, a context run frame by frame, a queued load, a background read =====
+
+namespace runtime {
+
+// Tells what a node received through its routes.
+class Announce : public NodeProc {
+public:
+    using NodeProc::NodeProc;
+    bool fieldChanged(Node& node, Field& field, const double& time, Field* source) override
+    {
+        if (source)
+            std::printf("    t=%.1f  %s.%s = %s (from %s)\n", time, node.name().c_str(), field.findName(),
+                        field.strValue().c_str(), source->owner().name().c_str());
+        return true;
+    }
+    static NodeProc* create(NodeType&, Node& node) { return new Announce(node); }
+};
+
+// The world root's processor plays the frame clock: it hands the context its frame values.
+class WorldClock : public NodeProc {
+public:
+    using NodeProc::NodeProc;
+    void tick(double time) { setContextState(time, 10.0, 10.0, 0.1, 1.0f); }
+    static NodeProc* create(NodeType&, Node& node) { return new WorldClock(node); }
+};
+
+// The downloaded file arrives here, on the application thread, at a frame.
+class FileArrived : public ImageDownloadCache::Listener {
+public:
+    void downloadFinished(ImageDownloadCache::Entry& entry) override
+    {
+        std::printf("    download finished: %zu bytes, \"%s\", on the application thread: %s\n",
+                    entry.data().size(), entry.data().c_str(), Tessil::Thread::self() == app ? "yes" : "no");
+    }
+    Tessil::Thread::Id app = Tessil::Thread::self();
+};
+
+// Shows the library's plain lines and warnings as they come.
+class PrintLines : public LogSink {
+public:
+    void write(const LogRecord& record) override
+    {
+        std::printf("  (log) %.*s", static_cast<int>(record.text.size()), record.text.data());
+    }
+};
+
+// Every frame the "runFrame" observer moves the clock node to the frame time; routes carry it on.
+void moveClock(const double& time, Observer*, BaseObject*, BaseObject*, BaseObject*, const void* clock)
+{
+    auto* node = static_cast<Node*>(const_cast<void*>(clock));
+    static_cast<SFTime*>(node->findField("time"))->setValue(time, time, Field::FieldCaller);
+}
+
+void runtimeDemo()
+{
+    static NodePartDesc worldParts[] = {
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, MFNodeType, NodePartDesc::CtorAutoProcess,
+                     "children"),
+    };
+    static NodePartDesc tickerParts[] = {
+        NodePartDesc(2, PartMask::bit(2), ExposedFieldPartType, SFTimeType, NodePartDesc::CtorAutoProcess, "time",
+                     nullptr, "0"),
+    };
+    // A context root type, and a node that passes a time on.
+    static NodeType world(theBaseNodeTypeFactory(), "DemoWorld", "Demo", "Node", nullptr, "1.0", "Demo", nullptr,
+                          "stable", "A demo scene root", "Orvane", false, true, &Node::isNodeType, &Node::createNode,
+                          &WorldClock::create, worldParts, 1);
+    static NodeType ticker(theBaseNodeTypeFactory(), "Ticker", "Demo", "Node", nullptr, "1.0", "Demo", nullptr,
+                           "stable", "Passes a time on", "Orvane", false, false, &Node::isNodeType,
+                           &Node::createNode, &Announce::create, tickerParts, 1);
+
+    PrintLines lines;
+    Log::the().setLevel(LOG_WARNING);
+    Log::the().setDefaultSinkEnabled(false);
+    Log::the().addSink(lines);
+
+    std::printf("\nThe runtime, driven through System:\n");
+    System::the().init(0, nullptr, System::BackendInitParam | System::BackendExitParam);
+
+    // The main scene: a clock routed to a hand, and the hand to a dial, so events cascade.
+    SmartPtr<Context> context(Context::create("main"));
+    System::the().addContext(*context);
+    Node* root = world.createNode(context.get());
+    Node* clock = ticker.createNode(root, "Clock");
+    ticker.createNode(root, "Hand");
+    ticker.createNode(root, "Dial");
+    root->nameSpace().createRoute("Clock", "time", "Hand", "time");
+    root->nameSpace().createRoute("Hand", "time", "Dial", "time");
+    context->setRootState(0.0, Live);
+    Observer frames(context->runFrameSubject());
+    frames.addCallback(&moveClock, clock);
+
+    // A second scene, queued with load and merged into the running one at the next frame.
+    SmartPtr<Context> extra(Context::create("extra"));
+    Node* extraRoot = world.createNode(extra.get());
+    ticker.createNode(extraRoot, "Late");
+
+    // A file read on the worker pool and handed over at a frame.
+    TaskManager::the().setNumThreads(2);
+    const std::string path = (std::filesystem::temp_directory_path() / "orvane-demo-download.txt").string();
+    std::FILE* out = std::fopen(path.c_str(), "w");
+    if (out) {
+        std::fputs("hello from disk", out);
+        std::fclose(out);
+    }
+    FileArrived arrived;
+    ImageDownloadCache::the().request(path, &arrived);
+
+    auto* worldClock = static_cast<WorldClock*>(root->proc());
+    for (int frame = 1; frame <= 4; ++frame) {
+        worldClock->tick(frame * 0.1);
+        if (frame == 3) {
+            context->load(*extra, Context::MergeLoad);
+            std::printf("  frame %d: scene \"extra\" queued\n", frame);
+        } else {
+            std::printf("  frame %d:\n", frame);
+        }
+        double next = System::runContextBag();
+        std::printf("    next frame in %.2f s; the world has %u children\n", next,
+                    static_cast<MFNode*>(root->findField("children"))->size());
+        Tessil::Thread::sleep(20);
+    }
+
+    context = nullptr;
+    extra = nullptr;
+    std::remove(path.c_str());
+    std::printf("  exit:\n");
+    System::the().exit();
+
+    Log::the().removeSink(lines);
+    Log::the().setDefaultSinkEnabled(true);
+}
+
+} // namespace runtime
+
+// ===== end of the runtime part =====
+
 int main()
 {
     Log::the().setLevel(LOG_NOTICE);
@@ -339,5 +483,6 @@ int main()
     sceneDemo();
     eventDemo();
     protoDemo();
+    runtime::runtimeDemo();
     return 0;
 }

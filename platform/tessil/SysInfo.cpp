@@ -1,13 +1,41 @@
 #include "platform/tessil/SysInfo.h"
 
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
+#include <exception>
+#include <typeinfo>
 #include <thread>
 #include <unistd.h>
 
 namespace Tessil {
 
 SysInfo::SysInfo() = default;
+
+namespace {
+
+[[noreturn]] void reportUncaught()
+{
+    if (std::exception_ptr current = std::current_exception()) {
+        try {
+            std::rethrow_exception(current);
+        } catch (const std::exception& error) {
+            std::fprintf(stderr, "Uncaught exception %s: %s\n", typeid(error).name(), error.what());
+        } catch (...) {
+            std::fprintf(stderr, "Uncaught exception of unknown type\n");
+        }
+    } else {
+        std::fprintf(stderr, "Terminate called without an active exception\n");
+    }
+    std::abort();
+}
+
+} // namespace
+
+void SysInfo::setupExceptionPolicy()
+{
+    std::set_terminate(&reportUncaught);
+}
 
 SysInfo& SysInfo::the()
 {

@@ -32,6 +32,10 @@ public:
     // argv[0], or empty when no arguments were handed over.
     std::string programName() const;
 
+    // What happens to an exception that nothing catches: its type and text go to stderr before
+    // the process aborts, so that the crash says why. Installing it twice changes nothing.
+    static void setupExceptionPolicy();
+
     // An environment variable's value; false when it is not set.
     static bool environment(const char* name, std::string& value);
 
