@@ -11,6 +11,7 @@
 #include "base/NodeProc.h"
 #include "base/NodeType.h"
 #include "base/NodeTypeNameSpace.h"
+#include "base/ProtoDeclaration.h"
 #include "base/Route.h"
 #include "base/SFNode.h"
 
@@ -69,6 +70,7 @@ void VRMLWriteAction::reset()
     _useTable.clear();
     _routeBagStack.clear();
     _openFields.clear();
+    _protoWritten.clear();
     setOption(VrmlResetOption, true);
 }
 
@@ -81,6 +83,7 @@ NodeNameSpace& VRMLWriteAction::ownNameSpace(const Node& node)
 void VRMLWriteAction::begin(std::ostream& stream, const std::string&)
 {
     setStream(stream);
+    _protoWritten.clear();
     if (good())
         put("#VRML V2.0 utf8\n\n");
     setCurrentNameSpace(nullptr);
@@ -446,22 +449,94 @@ void VRMLWriteAction::writeImports(Node& node)
     }
 }
 
-} // namespace Orvane
-
-namespace Orvane {
+void VRMLWriteAction::writeInterface(Field& field, FieldStyle style)
+{
+    if (field.desc() && field.desc()->isNodeField())
+        writeContainerField(field, style, true);
+    else
+        writeField(field, style);
+}
 
 void VRMLWriteAction::writeProto(NodeNameSpace& nameSpace)
 {
-    if (resolveProto())
+    if (resolveProto() || !_protoWritten.insert(&nameSpace).second)
         return;
     std::vector<NodeType*> protos;
     nameSpace.nodeTypeNameSpace().getTypeVec(protos, 3);
+    // Alias names of a prototype are not declarations of their own; the rest in the order they
+    // were declared, so that a prototype comes before the prototypes whose bodies use it.
+    std::erase_if(protos, [](const NodeType* type) { return type->isAliasOf() != nullptr; });
+    std::sort(protos.begin(), protos.end(), [](const NodeType* a, const NodeType* b) { return a->ID() < b->ID(); });
     if (protos.empty() || !good())
         return;
     indent();
     put("# ");
     putInt(static_cast<long long>(protos.size()));
     put(" proto declaration\n");
+
+    for (NodeType* type : protos) {
+        ProtoDeclaration* declaration = type->protoDeclaration();
+        if (!declaration)
+            continue;
+        if (declaration->isExternal()) {
+            indent();
+            put("EXTERNPROTO ");
+            put(type->name());
+            put(" [\n");
+            setIndentLevel(indentLevel() + 1);
+            isMapStack().emplace_back();
+            for (unsigned i = 0; i < declaration->fieldCount(); ++i)
+                writeInterface(*declaration->field(i), ExternInterfaceStyle);
+            setIndentLevel(indentLevel() - 1);
+            isMapStack().pop_back();
+            const std::string url = declaration->urls().empty() ? std::string() : declaration->urls().front();
+            const std::string& name = declaration->externName().empty() ? type->name() : declaration->externName();
+            indent();
+            put("] \"");
+            put(std::string_view(url).substr(0, url.find('#')));
+            put('#');
+            put(name);
+            put("\"\n\n");
+            continue;
+        }
+
+        indent();
+        put("PROTO ");
+        put(type->name());
+        put(" [\n");
+        setIndentLevel(indentLevel() + 1);
+        IsMap& links = isMapStack().emplace_back();
+        for (const ProtoDeclaration::IsLink& link : declaration->isLinks()) {
+            Node*               bodyNode = declaration->body().findNode(link.node);
+            Field*              bodyField = bodyNode ? bodyNode->findField(link.partID) : nullptr;
+            const NodePartDesc* interfaceDesc = declaration->fieldDesc(link.field);
+            if (!bodyField || !interfaceDesc) {
+                ORV_WARNING("Invalid IS link in proto desc\n");
+                continue;
+            }
+            links[bodyField] = interfaceDesc;
+        }
+        for (unsigned i = 0; i < declaration->fieldCount(); ++i)
+            writeInterface(*declaration->field(i), InterfaceStyle);
+        setIndentLevel(indentLevel() - 1);
+        indent();
+        put("] {\n");
+        setIndentLevel(indentLevel() + 1);
+        setCurrentNameSpace(&declaration->body());
+        writeProto(declaration->body());
+        for (const SmartPtr<Node>& root : declaration->rootNodes()) {
+            if (!root)
+                continue;
+            indent();
+            writeNode(*root);
+        }
+        isMapStack().pop_back();
+        flushRouteBag(true);
+        setCurrentNameSpace(nullptr);
+        setIndentLevel(indentLevel() - 1);
+        indent();
+        put("}\n\n");
+    }
 }
 
 } // namespace Orvane

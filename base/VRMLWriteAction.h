@@ -61,6 +61,8 @@ private:
     // The declaration words of a field in the two interface styles.
     void writeDeclaration(const Field& field, FieldStyle style);
     void writeValue(const Field& field);
+    // An interface entry of a prototype declaration, by its kind of field.
+    void writeInterface(Field& field, FieldStyle style);
     // The name of a node's own scope: the one its processor reports, else the one it lives in.
     static NodeNameSpace& ownNameSpace(const Node& node);
 
@@ -68,6 +70,9 @@ private:
     std::unordered_map<Node*, UseEntry>   _useTable;
     std::deque<Field*>                    _openFields;
     std::vector<Field*>                   _deferred;
+    // The namespaces whose prototypes this document declared already: a scope is entered again
+    // after each of its root nodes, but its prototypes are declared once.
+    std::unordered_set<const NodeNameSpace*> _protoWritten;
 };
 
 } // namespace Orvane
