@@ -90,7 +90,7 @@ ClassicReader::Token ClassicReader::next()
             }
             ++_pos;
         }
-        if (_pos >= _src.size())
+        if (_pos >= _src.size() && !_peeking)
             _builder.error(token.place, "unterminated string");
         else
             ++_pos;
@@ -110,7 +110,9 @@ ClassicReader::Token ClassicReader::peek()
 {
     State s = save();
     bool comment = _commentSeen;
+    _peeking = true;
     Token t = next();
+    _peeking = false;
     restore(s);
     _commentSeen = comment;
     return t;
@@ -338,14 +340,14 @@ void ClassicReader::nodeItem(Node& node, Token name, int depth)
         statement(name, depth, &node);
         return;
     }
-    if (&node.type() == &SceneBuilder::unknownNodeType()) {
-        unknownField(node, name, depth);
-        return;
-    }
     _scratch.assign(w);
     Field* field = node.findField(_scratch);
     if (!field && isAccessWord(w)) {
         interfaceDeclaration(node, name, depth);
+        return;
+    }
+    if (&node.type() == &SceneBuilder::unknownNodeType()) {
+        unknownField(node, name, depth);
         return;
     }
     if (!field)

@@ -73,6 +73,7 @@ private:
     int              _line = 1;
     std::size_t      _lineStart = 0;
     bool             _commentSeen = false;
+    bool             _peeking = false;  // a token looked at ahead reports nothing
     std::string      _scratch;
 };
 

@@ -190,6 +190,11 @@ NodeType& SceneBuilder::unknownNodeType()
                                "A node of a type the reader did not know; its fields are kept as read",
                                "stable", nullptr, "Orvane", true, false, &Node::isNodeType, &Node::createNode,
                                &Node::createProc, unknownParts, std::size(unknownParts));
+        // A node of unknown type may stand wherever the file put it: it is a kind of every
+        // abstract type of the catalog.
+        for (const SmartPtr<NodeType>& abstract : X3DCatalog::init().types())
+            if (abstract->isAbstract())
+                t->addAdditionalParent(abstract->name().c_str());
         t->initType();
         t->addRef();
         return *t;
@@ -277,8 +282,9 @@ bool SceneBuilder::addRoot(Node& child, Place place)
 bool SceneBuilder::addChild(Node& parent, Field& field, Node& child, Place place)
 {
     bool placed = false;
-    if (isDeclarationField(field) || &parent == _root.get()) {
-        // Interface values and top-level nodes take any node.
+    if (isDeclarationField(field) || &parent == _root.get() || &child.type() == &unknownNodeType()) {
+        // Interface values and top-level nodes take any node, and a node of unknown type is
+        // kept wherever the file put it.
         if (field.dataType() == SFNodeType)
             placed = static_cast<SFNode&>(field).setNode(&child);
         else if (field.dataType() == MFNodeType)
@@ -316,8 +322,13 @@ Field* SceneBuilder::addUnknownField(Node& node, std::string_view name, std::str
                                      Place)
 {
     _text.assign(name);
-    if (Field* existing = node.findField(_text))
+    if (Field* existing = node.findField(_text)) {
+        if (!holdsNodes) {
+            _text.assign(text);
+            existing->setValueByStr(0.0, _text.c_str());
+        }
         return existing;
+    }
     Field* field = node.addDynamicField(ExposedFieldPartType, guessType(text, holdsNodes), _text.c_str());
     if (field && !holdsNodes) {
         _text.assign(text);

@@ -128,13 +128,16 @@ int info(int argc, char** argv)
         std::map<std::string, unsigned> byType;
         std::vector<std::string>        names;
         for (Node* node : nodes) {
-            if (node == scene.root.get())
+            if (node == scene.root.get() || node->type().name() == "_ProtoDeclaration")
                 continue;
             ++byType[node->type().name()];
             if (node->hasName() && !node->isAutoNamed())
                 names.push_back(node->name() + " (" + node->type().name() + ")");
         }
-        std::printf("nodes: %zu\n", nodes.size() - (nodes.empty() ? 0 : 1));
+        unsigned total = 0;
+        for (const auto& entry : byType)
+            total += entry.second;
+        std::printf("nodes: %u\n", total);
         for (const auto& [type, count] : byType)
             std::printf("  %-24s %u\n", type.c_str(), count);
         std::printf("DEF names: %zu\n", names.size());
