@@ -92,8 +92,9 @@ TEST(ClassicReader, ValuesSharingPrototypesAndScripts)
     std::vector<Node*> nodes;
     scene.root->nameSpace().fillNodeVec(nodes);
     for (Node* node : nodes) {
-        if (node->type().name() == "Coordinate")
+        if (node->type().name() == "Coordinate") {
             EXPECT_EQ(node->findField(std::string("point"))->size(), 3u);
+        }
     }
     EXPECT_EQ(text(*named(scene, "Info"), "title"), "A \"quoted\" title");
     EXPECT_EQ(named(scene, "Info")->findField(std::string("info"))->size(), 2u);
