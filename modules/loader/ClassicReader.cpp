@@ -700,19 +700,26 @@ void ClassicReader::route(Token keyword)
                    target.text.substr(b + 1), keyword.place);
 }
 
+bool ClassicReader::asName(std::string_view& out)
+{
+    if (peek().kind != WordToken || peek().text != "AS")
+        return true;
+    next();
+    Token name;
+    if (!expect(WordToken, "a name after AS", name))
+        return false;
+    out = name.text;
+    return true;
+}
+
 void ClassicReader::importStatement(Token keyword)
 {
     Token what;
     if (!expect(WordToken, "'INLINE.name' after IMPORT", what))
         return;
     std::string_view as;
-    if (peek().kind == WordToken && peek().text == "AS") {
-        next();
-        Token local;
-        if (!expect(WordToken, "a name after AS", local))
-            return;
-        as = local.text;
-    }
+    if (!asName(as))
+        return;
     std::size_t dot = what.text.find('.');
     if (dot == std::string_view::npos) {
         _builder.error(keyword.place, "IMPORT needs 'INLINE.name'");
@@ -727,13 +734,8 @@ void ClassicReader::exportStatement(Token keyword)
     if (!expect(WordToken, "a name after EXPORT", local))
         return;
     std::string_view as;
-    if (peek().kind == WordToken && peek().text == "AS") {
-        next();
-        Token name;
-        if (!expect(WordToken, "a name after AS", name))
-            return;
-        as = name.text;
-    }
+    if (!asName(as))
+        return;
     _builder.exportNode(local.text, as, keyword.place);
 }
 

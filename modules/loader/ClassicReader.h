@@ -56,6 +56,8 @@ private:
     void  proto(Token keyword, int depth);
     void  externProto(Token keyword);
     void  route(Token keyword);
+    // The optional "AS name" of IMPORT and EXPORT; false after an error.
+    bool  asName(std::string_view& out);
     void  importStatement(Token keyword);
     void  exportStatement(Token keyword);
     void  profileStatement(Token keyword);
