@@ -8,8 +8,10 @@ setup:
 
 demo: setup
 	cmake --preset default >/dev/null
-	$(CMAKE_BUILD) --preset default --target demo
+	$(CMAKE_BUILD) --preset default --target demo orvane-tool
 	./build/default/examples/demo
+	@echo; echo "orvane convert examples/scenes/lamps.wrl:"
+	./build/default/tools/orvane/orvane convert examples/scenes/lamps.wrl
 
 test: setup
 	cmake --preset default

@@ -1,7 +1,7 @@
 #include "base/NodeProc.h"
 
-#include "base/CopyAction.h"
 #include "base/Context.h"
+#include "base/CopyAction.h"
 #include "base/Node.h"
 #include "base/NodeNameSpace.h"
 

@@ -1,0 +1,510 @@
+#include "modules/loader/SceneBuilder.h"
+
+#include "base/Field.h"
+#include "base/FieldType.h"
+#include "base/Log.h"
+#include "base/MFNode.h"
+#include "base/MFString.h"
+#include "base/NodeNameSpace.h"
+#include "base/NodePart.h"
+#include "base/NodePartDesc.h"
+#include "base/NodeProc.h"
+#include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
+#include "base/ProtoDeclaration.h"
+#include "base/Route.h"
+#include "base/SFNode.h"
+#include "base/SFString.h"
+#include "modules/x3d/X3DCatalog.h"
+
+#include <cstring>
+
+namespace Orvane {
+
+namespace {
+
+// Parts of the scene root: the top-level nodes and the header statements.
+enum SceneRootPart : unsigned { ChildrenPart = 2, EncodingPart, VersionPart, ProfilePart, ComponentsPart,
+                                UnitsPart, MetaPart };
+
+NodePartDesc sceneRootParts[] = {
+    NodePartDesc(ChildrenPart, PartMask::bit(ChildrenPart), ExposedFieldPartType, MFNodeType, 0, "children"),
+    NodePartDesc(EncodingPart, PartMask::bit(EncodingPart), FieldPartType, SFStringType, 0, "encoding"),
+    NodePartDesc(VersionPart, PartMask::bit(VersionPart), FieldPartType, SFStringType, 0, "version"),
+    NodePartDesc(ProfilePart, PartMask::bit(ProfilePart), FieldPartType, SFStringType, 0, "profile"),
+    NodePartDesc(ComponentsPart, PartMask::bit(ComponentsPart), FieldPartType, MFStringType, 0, "components"),
+    NodePartDesc(UnitsPart, PartMask::bit(UnitsPart), FieldPartType, MFStringType, 0, "units"),
+    NodePartDesc(MetaPart, PartMask::bit(MetaPart), FieldPartType, MFStringType, 0, "meta"),
+};
+
+NodePartDesc unknownParts[] = {
+    NodePartDesc(2, PartMask::bit(2), FieldPartType, SFStringType, 0, "typeName"),
+};
+
+bool isDigitText(char c)
+{
+    return (c >= '0' && c <= '9');
+}
+
+// A number as the text setters read it: decimal with optional sign, fraction and exponent, or
+// (for integers) hexadecimal.
+bool isNumber(std::string_view t, bool integer)
+{
+    std::size_t i = 0;
+    if (i < t.size() && (t[i] == '+' || t[i] == '-'))
+        ++i;
+    if (integer && t.size() > i + 2 && t[i] == '0' && (t[i + 1] == 'x' || t[i + 1] == 'X')) {
+        for (i += 2; i < t.size(); ++i)
+            if (!std::isxdigit(static_cast<unsigned char>(t[i])))
+                return false;
+        return true;
+    }
+    bool digits = false;
+    while (i < t.size() && isDigitText(t[i]))
+        ++i, digits = true;
+    if (!integer && i < t.size() && t[i] == '.')
+        for (++i; i < t.size() && isDigitText(t[i]); ++i)
+            digits = true;
+    if (!digits)
+        return false;
+    if (!integer && i < t.size() && (t[i] == 'e' || t[i] == 'E')) {
+        ++i;
+        if (i < t.size() && (t[i] == '+' || t[i] == '-'))
+            ++i;
+        if (i >= t.size() || !isDigitText(t[i]))
+            return false;
+        while (i < t.size() && isDigitText(t[i]))
+            ++i;
+    }
+    return i == t.size();
+}
+
+enum class Kind { Number, Integer, Bool, Other };
+
+// Numbers per element and the kind of number for the element types with a fixed shape.
+struct Shape {
+    const char* name;
+    unsigned    count;
+    Kind        kind;
+};
+const Shape shapes[] = {
+    {"Bool", 1, Kind::Bool},       {"Int32", 1, Kind::Integer},    {"Float", 1, Kind::Number},
+    {"Double", 1, Kind::Number},   {"Time", 1, Kind::Number},      {"Vec2f", 2, Kind::Number},
+    {"Vec2d", 2, Kind::Number},    {"Vec3f", 3, Kind::Number},     {"Vec3d", 3, Kind::Number},
+    {"Vec4f", 4, Kind::Number},    {"Vec4d", 4, Kind::Number},     {"Color", 3, Kind::Number},
+    {"ColorRGBA", 4, Kind::Number}, {"Rotation", 4, Kind::Number}, {"Matrix3f", 9, Kind::Number},
+    {"Matrix3d", 9, Kind::Number}, {"Matrix4f", 16, Kind::Number}, {"Matrix4d", 16, Kind::Number},
+    {"Plane", 4, Kind::Number},    {"Image", 0, Kind::Integer},
+};
+
+bool isSeparator(char c)
+{
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == ',' || c == '\f' || c == '\v';
+}
+
+// Whether value text fits a field of the given type name ("SFVec3f"): the right kind and number
+// of words. Strings, nodes and types without a fixed shape are left to their setters.
+bool fits(const std::string& typeName, std::string_view text)
+{
+    if (typeName.size() < 3)
+        return true;
+    const bool single = typeName[0] == 'S';
+    const std::string_view element(typeName.c_str() + 2);
+    if (element == "String") {
+        if (single)
+            return true;
+        for (char c : text)  // a list of strings holds quoted strings only
+            if (!isSeparator(c))
+                return c == '"';
+        return true;
+    }
+    const Shape* shape = nullptr;
+    for (const Shape& s : shapes)
+        if (element == s.name)
+            shape = &s;
+    if (!shape)
+        return true;
+    std::size_t words = 0, width = 0, height = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        while (i < text.size() && isSeparator(text[i]))
+            ++i;
+        if (i >= text.size())
+            break;
+        std::size_t start = i;
+        while (i < text.size() && !isSeparator(text[i]))
+            ++i;
+        std::string_view word = text.substr(start, i - start);
+        bool ok = shape->kind == Kind::Bool ? (word == "TRUE" || word == "FALSE" || word == "true" || word == "false")
+                                            : isNumber(word, shape->kind == Kind::Integer);
+        if (!ok)
+            return false;
+        if (shape->count == 0 && words < 2)
+            (words == 0 ? width : height) = std::strtoul(std::string(word).c_str(), nullptr, 0);
+        ++words;
+    }
+    if (shape->count == 0)  // an image: width, height, components, then width * height pixels
+        return !single || words == 0 || (words >= 3 && words == 3 + width * height);
+    return single ? words == shape->count : words % shape->count == 0;
+}
+
+// The type of a field of an unknown node, guessed from its value text.
+NodePartDataType guessType(std::string_view text, bool holdsNodes)
+{
+    if (holdsNodes)
+        return MFNodeType;
+    std::size_t i = 0;
+    while (i < text.size() && isSeparator(text[i]))
+        ++i;
+    if (i < text.size() && text[i] == '"')
+        return MFStringType;
+    if (text.substr(i, 4) == "TRUE" || text.substr(i, 5) == "FALSE")
+        return MFBoolType;
+    return fits("MFDouble", text) ? MFDoubleType : SFStringType;
+}
+
+bool isDeclarationField(const Field& field)
+{
+    return &field.owner().type() == &ProtoDeclaration::classType();
+}
+
+} // namespace
+
+NodeType& SceneBuilder::sceneRootType()
+{
+    static NodeType& type = [] () -> NodeType& {
+        auto* t = new NodeType(theBaseNodeTypeFactory(), "SceneRoot", "Loader", "Node", nullptr, "1.0", "Loader",
+                               "The top of a scene read from a file: its top-level nodes and header statements",
+                               "stable", nullptr, "Orvane", false, true, &Node::isNodeType, &Node::createNode,
+                               &Node::createProc, sceneRootParts, std::size(sceneRootParts));
+        t->initType();
+        t->addRef();  // lives as long as the process: scenes may outlive the loader's users
+        return *t;
+    }();
+    return type;
+}
+
+NodeType& SceneBuilder::unknownNodeType()
+{
+    static NodeType& type = [] () -> NodeType& {
+        auto* t = new NodeType(theBaseNodeTypeFactory(), "UnknownNode", "Loader", "Node", nullptr, "1.0", "Loader",
+                               "A node of a type the reader did not know; its fields are kept as read",
+                               "stable", nullptr, "Orvane", true, false, &Node::isNodeType, &Node::createNode,
+                               &Node::createProc, unknownParts, std::size(unknownParts));
+        // A node of unknown type may stand wherever the file put it: it is a kind of every
+        // abstract type of the catalog.
+        for (const SmartPtr<NodeType>& abstract : X3DCatalog::init().types())
+            if (abstract->isAbstract())
+                t->addAdditionalParent(abstract->name().c_str());
+        t->initType();
+        t->addRef();
+        return *t;
+    }();
+    return type;
+}
+
+SceneBuilder::SceneBuilder(std::string url) : _url(std::move(url))
+{
+    X3DCatalog::init();
+    _root = sceneRootType().createNode(nullptr, nullptr, LoaderCreator);
+    if (_root)
+        _scopes.push_back({&_root->nameSpace(), nullptr});
+}
+
+SceneBuilder::~SceneBuilder() = default;
+
+NodeNameSpace* SceneBuilder::sceneNameSpace() const
+{
+    return _scopes.empty() ? nullptr : _scopes.front().nameSpace;
+}
+
+NodeNameSpace& SceneBuilder::scope() const
+{
+    return *_scopes.back().nameSpace;
+}
+
+void SceneBuilder::error(Place place, std::string message)
+{
+    ORV_WARNING("%s:%d:%d: %s\n", _url.c_str(), place.line, place.column, message.c_str());
+    _errors.push_back({_url, place.line, place.column, std::move(message)});
+}
+
+std::string SceneBuilder::fieldLabel(const Field& field) const
+{
+    return field.owner().type().name() + "." + field.findName();
+}
+
+Node* SceneBuilder::createNode(std::string_view typeName, std::string_view defName, Place place)
+{
+    if (_scopes.empty())
+        return nullptr;
+    _text.assign(typeName);
+    std::string def(defName);
+    const char* name = def.empty() ? nullptr : def.c_str();
+    if (!def.empty() && scope().findNode(def))
+        ORV_INFO("%s:%d:%d: DEF %s names a second node\n", _url.c_str(), place.line, place.column, name);
+    NodeType* type = NodeTypeNameSpace::findType(&scope().nodeTypeNameSpace(), _text, CaseSensitive);
+    if (type && !type->isAbstract() && !type->isContextRoot()) {
+        Node* node = type->createNode(&scope(), name, LoaderCreator);
+        if (node && isVrml97())
+            X3DCatalog::applyVrml97Defaults(*node);
+        if (node)
+            return node;
+    }
+    error(place, "unknown node type '" + _text + "'");
+    Node* node = unknownNodeType().createNode(&scope(), name, LoaderCreator);
+    if (node)
+        node->findField(std::string("typeName"))->setValueByStr(0.0, _text.c_str());
+    return node;
+}
+
+Node* SceneBuilder::use(std::string_view name, Place place)
+{
+    _text.assign(name);
+    Node* node = _scopes.empty() ? nullptr : scope().findNode(_text);
+    if (!node)
+        error(place, "USE of unknown name '" + _text + "'");
+    return node;
+}
+
+bool SceneBuilder::addRoot(Node& child, Place place)
+{
+    if (_scopes.empty())
+        return false;
+    if (ProtoDeclaration* proto = _scopes.back().proto) {
+        if (proto->addRootNode(child))
+            return true;
+        error(place, "node cannot be a root of PROTO " + proto->protoName());
+        return false;
+    }
+    return addChild(*_root, *_root->findField(ChildrenPart), child, place);
+}
+
+bool SceneBuilder::addChild(Node& parent, Field& field, Node& child, Place place)
+{
+    bool placed = false;
+    if (isDeclarationField(field) || &parent == _root.get() || &child.type() == &unknownNodeType()) {
+        // Interface values and top-level nodes take any node, and a node of unknown type is
+        // kept wherever the file put it.
+        if (field.dataType() == SFNodeType)
+            placed = static_cast<SFNode&>(field).setNode(&child);
+        else if (field.dataType() == MFNodeType)
+            placed = static_cast<MFNode&>(field).addChild(&child) != nullptr;
+    } else {
+        placed = parent.addChild(&child, field.findName()) != nullptr;
+    }
+    if (!placed)
+        error(place, "a " + child.type().name() + " node does not fit field " + fieldLabel(field));
+    return placed;
+}
+
+Field* SceneBuilder::findField(Node& node, std::string_view name, Place place)
+{
+    _text.assign(name);
+    Field* field = node.findField(_text);
+    if (!field)
+        error(place, "unknown field '" + _text + "' in " + node.type().name());
+    return field;
+}
+
+bool SceneBuilder::setValue(Field& field, std::string_view text, Place place)
+{
+    if (!fits(field.dataTypeName(), text)) {
+        error(place, "value does not fit " + field.dataTypeName() + " field " + fieldLabel(field));
+        return false;
+    }
+    // The setters read NUL-terminated text; most values are short, long lists are copied once.
+    _text.assign(text);
+    field.setValueByStr(0.0, _text.c_str());
+    return true;
+}
+
+Field* SceneBuilder::addUnknownField(Node& node, std::string_view name, std::string_view text, bool holdsNodes,
+                                     Place)
+{
+    _text.assign(name);
+    if (Field* existing = node.findField(_text)) {
+        if (!holdsNodes) {
+            _text.assign(text);
+            existing->setValueByStr(0.0, _text.c_str());
+        }
+        return existing;
+    }
+    Field* field = node.addDynamicField(ExposedFieldPartType, guessType(text, holdsNodes), _text.c_str());
+    if (field && !holdsNodes) {
+        _text.assign(text);
+        field->setValueByStr(0.0, _text.c_str());
+    }
+    return field;
+}
+
+Field* SceneBuilder::addDynamicField(Node& node, std::string_view access, std::string_view type,
+                                     std::string_view name, Place place)
+{
+    static const struct {
+        const char*  name;
+        NodePartType type;
+    } accesses[] = {{"initializeOnly", FieldPartType}, {"inputOnly", EventInPartType},
+                    {"outputOnly", EventOutPartType}, {"inputOutput", ExposedFieldPartType},
+                    {"field", FieldPartType},         {"eventIn", EventInPartType},
+                    {"eventOut", EventOutPartType},   {"exposedField", ExposedFieldPartType}};
+    NodePartType part = InvalidPartType;
+    for (const auto& a : accesses)
+        if (access == a.name)
+            part = a.type;
+    FieldType* fieldType = FieldType::findType(std::string(type));
+    std::string fieldName(name);
+    if (part == InvalidPartType || !fieldType) {
+        error(place, "invalid interface declaration '" + std::string(access) + " " + std::string(type) + " " +
+                         fieldName + "'");
+        return nullptr;
+    }
+    if (node.findField(fieldName)) {
+        error(place, "field '" + fieldName + "' declared twice in " + node.type().name());
+        return nullptr;
+    }
+    Field* field = node.addDynamicField(part, fieldType->dataType(), fieldName.c_str());
+    if (!field)
+        error(place, "cannot add field '" + fieldName + "' to " + node.type().name());
+    return field;
+}
+
+bool SceneBuilder::route(std::string_view fromNode, std::string_view fromField, std::string_view toNode,
+                         std::string_view toField, Place place)
+{
+    std::string a(fromNode), af(fromField), b(toNode), bf(toField);
+    std::string text = "ROUTE " + a + "." + af + " TO " + b + "." + bf;
+    if (_scopes.empty())
+        return false;
+    NodeNameSpace& ns = scope();
+    Node* from = ns.findNode(a);
+    Node* to = ns.findNode(b);
+    if (!from && !ns.getImportedNode(a)) {
+        error(place, text + ": unknown node '" + a + "'");
+        return false;
+    }
+    if (!to && !ns.getImportedNode(b)) {
+        error(place, text + ": unknown node '" + b + "'");
+        return false;
+    }
+    if ((from && !from->findField(af)) || (to && !to->findField(bf))) {
+        error(place, text + ": unknown field '" + (from && !from->findField(af) ? af : bf) + "'");
+        return false;
+    }
+    if (!ns.createRoute(a.c_str(), af.c_str(), b.c_str(), bf.c_str())) {
+        error(place, text + ": the fields do not match");
+        return false;
+    }
+    return true;
+}
+
+bool SceneBuilder::exportNode(std::string_view local, std::string_view as, Place place)
+{
+    std::string name(local);
+    if (_scopes.empty() || !scope().findNode(name) || !scope().exportNode(name, std::string(as))) {
+        error(place, "EXPORT of unknown name '" + name + "'");
+        return false;
+    }
+    return true;
+}
+
+bool SceneBuilder::importNode(std::string_view inlineName, std::string_view exported, std::string_view as,
+                              Place place)
+{
+    std::string name(inlineName);
+    Node* host = _scopes.empty() ? nullptr : scope().findNode(name);
+    NodeNameSpace* inner = host && host->proc() ? host->proc()->ownNameSpace() : nullptr;
+    if (!inner) {
+        error(place, "IMPORT from '" + name + "', which is no loaded Inline");
+        return false;
+    }
+    return scope().importNode(*inner, std::string(exported), std::string(as));
+}
+
+ProtoDeclaration* SceneBuilder::beginProto(std::string_view name, const std::vector<std::string>* externUrls,
+                                           Place place)
+{
+    if (_scopes.empty())
+        return nullptr;
+    std::string protoName(name);
+    ProtoDeclaration* proto = externUrls ? ProtoDeclaration::declareExtern(scope(), protoName.c_str(), *externUrls)
+                                       : ProtoDeclaration::declare(scope(), protoName.c_str());
+    if (!proto) {
+        error(place, "cannot declare prototype '" + protoName + "'");
+        return nullptr;
+    }
+    proto->setSource(_url, place.line);
+    return proto;
+}
+
+bool SceneBuilder::addProtoField(ProtoDeclaration& proto, std::string_view access, std::string_view type,
+                                 std::string_view name, const std::string* value, Place place)
+{
+    std::string a(access), t(type), n(name);
+    if (value) {
+        FieldType* fieldType = FieldType::findType(t);
+        if (fieldType && !fits(t, *value)) {
+            error(place, "value does not fit " + t + " field " + proto.protoName() + "." + n);
+            value = nullptr;
+        }
+    }
+    if (!proto.addField(a.c_str(), t.c_str(), n.c_str(), value ? value->c_str() : nullptr)) {
+        error(place, "invalid interface declaration '" + a + " " + t + " " + n + "' in " + proto.protoName());
+        return false;
+    }
+    return true;
+}
+
+void SceneBuilder::enterProtoBody(ProtoDeclaration& proto)
+{
+    _scopes.push_back({&proto.body(), &proto});
+}
+
+void SceneBuilder::endProto()
+{
+    if (_scopes.size() > 1)
+        _scopes.pop_back();
+}
+
+bool SceneBuilder::isLink(Node& node, std::string_view field, std::string_view interfaceName, Place place)
+{
+    ProtoDeclaration* proto = nullptr;
+    for (auto it = _scopes.rbegin(); it != _scopes.rend() && !proto; ++it)
+        proto = it->proto;
+    std::string f(field), i(interfaceName);
+    if (!proto) {
+        error(place, "IS outside a PROTO body");
+        return false;
+    }
+    std::string name = node.hasName() ? node.name() : node.nameSpace().updateNamedNode(node);
+    if (!proto->addIsLink(i.c_str(), name.c_str(), f.c_str())) {
+        error(place, "'" + f + " IS " + i + "': no such interface field, or the types or access do not match");
+        return false;
+    }
+    return true;
+}
+
+SmartPtr<Node> SceneBuilder::finish()
+{
+    if (!_root)
+        return _root;
+    auto setText = [&](unsigned id, const std::string& text) { _root->findField(id)->setValueByStr(0.0, text.c_str()); };
+    setText(EncodingPart, _header.encoding);
+    setText(VersionPart, _header.version);
+    setText(ProfilePart, _header.profile);
+    auto& components = static_cast<MFString&>(*_root->findField(ComponentsPart));
+    for (const auto& c : _header.components)
+        components.addValueByStr(("\"" + c.first + ":" + std::to_string(c.second) + "\"").c_str(), Field::Single);
+    auto& units = static_cast<MFString&>(*_root->findField(UnitsPart));
+    for (const auto& u : _header.units) {
+        std::string joined;
+        for (const auto& word : u)
+            joined += (joined.empty() ? "" : " ") + word;
+        units.addValueByStr(("\"" + joined + "\"").c_str(), Field::Single);
+    }
+    for (const auto& m : _header.meta)
+        _root->nameSpace().setMetaData(m.first, m.second);
+    _scopes.clear();
+    return std::move(_root);
+}
+
+} // namespace Orvane

@@ -1,0 +1,128 @@
+#ifndef ORVANE_MODULES_LOADER_SCENEBUILDER_H
+#define ORVANE_MODULES_LOADER_SCENEBUILDER_H
+
+#include "base/Node.h"
+#include "base/SmartPtr.h"
+#include "modules/loader/LoaderExport.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Orvane {
+
+class Field;
+class NodeNameSpace;
+class NodeType;
+class ProtoDeclaration;
+
+// One fault found in a scene file, where it starts.
+struct LoadError {
+    std::string file;
+    int         line = 0;
+    int         column = 0;
+    std::string message;
+};
+
+// What a scene file says about itself besides its nodes.
+struct SceneHeader {
+    std::string encoding;  // "VRML" or "X3D"
+    std::string version;   // "2.0", "3.3", ...
+    std::string charset;   // "utf8"
+    std::string profile;
+    std::vector<std::pair<std::string, int>>         components;  // name, level
+    std::vector<std::vector<std::string>>            units;       // category, name, factor
+    std::vector<std::pair<std::string, std::string>> meta;        // name, content
+};
+
+// Makes a scene from what a front end has parsed, whatever its syntax: nodes through their
+// types' createNode, values through the fields' text setters, DEF/USE, routes, IMPORT/EXPORT,
+// prototypes with IS and dynamic (Script) fields. Every fault is recorded once with its place
+// and logged as "file:line:column: message"; the builder never gives up on a scene.
+class ORVANE_LOADER_API SceneBuilder {
+public:
+    struct Place {
+        int line = 0;
+        int column = 0;
+    };
+
+    // `url` names the file (for messages and for resolving EXTERNPROTO URLs).
+    explicit SceneBuilder(std::string url);
+    ~SceneBuilder();
+    SceneBuilder(const SceneBuilder&) = delete;
+    SceneBuilder& operator=(const SceneBuilder&) = delete;
+
+    const std::string& url() const { return _url; }
+    void error(Place place, std::string message);
+    const std::vector<LoadError>& errors() const { return _errors; }
+
+    // --- header statements ---
+    SceneHeader& header() { return _header; }
+    bool         isVrml97() const { return _header.encoding == "VRML"; }
+
+    // --- nodes ---
+    // A node of `typeName` (DEF'd as `defName` when not empty) in the current scope, not yet
+    // placed. An unknown type gives a node of the generic type "UnknownNode" that remembers
+    // the name, after an error.
+    Node* createNode(std::string_view typeName, std::string_view defName, Place place);
+    Node* use(std::string_view name, Place place);
+    // Places `child` at the top of the current scope, or in `field` of `parent`.
+    bool  addRoot(Node& child, Place place);
+    bool  addChild(Node& parent, Field& field, Node& child, Place place);
+    // The field `name` of `node`; null after an error when there is none.
+    Field* findField(Node& node, std::string_view name, Place place);
+    // Sets `field` from value text [begin, end) in its text form (strings unquoted for SFString).
+    // Values that do not fit the field type are refused after an error.
+    bool   setValue(Field& field, std::string_view text, Place place);
+    // A field of an unknown node, kept as text: its type is guessed from the text.
+    Field* addUnknownField(Node& node, std::string_view name, std::string_view text, bool holdsNodes, Place place);
+    // An interface declaration on a Script (or other extensible) node.
+    Field* addDynamicField(Node& node, std::string_view access, std::string_view type, std::string_view name,
+                           Place place);
+
+    // --- routes, IMPORT, EXPORT ---
+    bool route(std::string_view fromNode, std::string_view fromField, std::string_view toNode,
+               std::string_view toField, Place place);
+    bool exportNode(std::string_view local, std::string_view as, Place place);
+    bool importNode(std::string_view inlineName, std::string_view exported, std::string_view as, Place place);
+
+    // --- prototypes ---
+    // PROTO, or with URLs EXTERNPROTO, `name` in the current scope.
+    ProtoDeclaration* beginProto(std::string_view name, const std::vector<std::string>* externUrls, Place place);
+    bool addProtoField(ProtoDeclaration& proto, std::string_view access, std::string_view type,
+                       std::string_view name, const std::string* value, Place place);
+    // The body of `proto` becomes the current scope until endProto.
+    void enterProtoBody(ProtoDeclaration& proto);
+    void endProto();
+    bool inProtoBody() const { return !_scopes.empty() && _scopes.back().proto; }
+    // `field` of `node` IS interface field `interfaceName` of the innermost prototype.
+    bool isLink(Node& node, std::string_view field, std::string_view interfaceName, Place place);
+
+    // The scene: a root node of type "SceneRoot" whose "children" hold the top-level nodes and
+    // whose fields keep the header statements. Null once taken.
+    SmartPtr<Node> finish();
+    NodeNameSpace* sceneNameSpace() const;
+
+    // The context root type of loaded scenes (registered with the loader).
+    static NodeType& sceneRootType();
+    static NodeType& unknownNodeType();
+
+private:
+    struct Scope {
+        NodeNameSpace*    nameSpace;
+        ProtoDeclaration* proto;
+    };
+    NodeNameSpace& scope() const;
+    std::string    fieldLabel(const Field& field) const;
+
+    std::string            _url;
+    std::vector<LoadError> _errors;
+    SceneHeader            _header;
+    SmartPtr<Node>         _root;
+    std::vector<Scope>     _scopes;
+    std::string            _text;  // scratch for names turned into C strings
+};
+
+} // namespace Orvane
+
+#endif

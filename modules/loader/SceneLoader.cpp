@@ -1,0 +1,176 @@
+#include "modules/loader/SceneLoader.h"
+
+#include "base/Context.h"
+#include "base/Log.h"
+#include "base/MFNode.h"
+#include "base/NodeNameSpace.h"
+#include "base/Observer.h"
+#include "base/ProtoLibrary.h"
+#include "base/Subject.h"
+#include "base/WriteAction.h"
+#include "modules/loader/ClassicReader.h"
+#include "platform/pordane/URL.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <ostream>
+
+namespace Orvane {
+
+bool SceneLoader::isGzip(const std::string& content)
+{
+    return content.size() >= 2 && static_cast<unsigned char>(content[0]) == 0x1f &&
+           static_cast<unsigned char>(content[1]) == 0x8b;
+}
+
+bool SceneLoader::inflate(std::string& content)
+{
+    if (!isGzip(content))
+        return true;
+    z_stream stream{};
+    if (inflateInit2(&stream, 16 + MAX_WBITS) != Z_OK)
+        return false;
+    std::string out;
+    out.resize(content.size() * 4 + 4096);
+    stream.next_in = reinterpret_cast<Bytef*>(content.data());
+    stream.avail_in = static_cast<uInt>(content.size());
+    int status = Z_OK;
+    while (status == Z_OK) {
+        if (stream.total_out == out.size()) {
+            if (out.size() >= MaxInflatedSize) {
+                ORV_WARNING("Compressed scene expands beyond %zu bytes; refused\n", MaxInflatedSize);
+                break;
+            }
+            out.resize(std::min(out.size() * 2, MaxInflatedSize));
+        }
+        stream.next_out = reinterpret_cast<Bytef*>(out.data() + stream.total_out);
+        stream.avail_out = static_cast<uInt>(out.size() - stream.total_out);
+        status = ::inflate(&stream, Z_NO_FLUSH);
+        // Concatenated gzip members are read on.
+        if (status == Z_STREAM_END && stream.avail_in > 0 && inflateReset(&stream) == Z_OK)
+            status = Z_OK;
+    }
+    const bool good = status == Z_STREAM_END;
+    out.resize(stream.total_out);
+    inflateEnd(&stream);
+    if (good)
+        content.swap(out);
+    return good;
+}
+
+bool SceneLoader::readFile(const std::string& url, std::string& content)
+{
+    Pordane::URL location(url);
+    if (!location.readFile(content))
+        return false;
+    if (!inflate(content)) {
+        ORV_WARNING("%s: broken gzip data\n", url.c_str());
+        return false;
+    }
+    return true;
+}
+
+LoadedScene SceneLoader::loadData(std::string data, const std::string& url)
+{
+    LoadedScene scene;
+    if (!inflate(data)) {
+        scene.errors.push_back({url, 0, 0, "broken gzip data"});
+        ORV_WARNING("%s: broken gzip data\n", url.c_str());
+        return scene;
+    }
+    SceneBuilder builder(url);
+    ClassicReader reader(builder);
+    const bool read = reader.read(data);
+    scene.header = builder.header();
+    scene.errors = builder.errors();
+    SmartPtr<Node> root = builder.finish();
+    if (read)
+        scene.root = root;
+    return scene;
+}
+
+LoadedScene SceneLoader::load(const std::string& url)
+{
+    std::string data;
+    if (!Pordane::URL(url).readFile(data)) {
+        LoadedScene scene;
+        scene.errors.push_back({url, 0, 0, "cannot read the file"});
+        return scene;
+    }
+    return loadData(std::move(data), url);
+}
+
+bool SceneLoader::write(Node& root, WriteAction& writer, std::ostream& out)
+{
+    auto* children = dynamic_cast<MFNode*>(root.findField(std::string("children")));
+    writer.begin(out, "");
+    for (unsigned i = 0, n = children ? children->size() : 0; i < n; ++i)
+        if (Node* node = children->childNode(static_cast<int>(i)))
+            writer.writeNode(*node);
+    writer.writeExports(root.nameSpace());
+    writer.end();
+    return static_cast<bool>(out);
+}
+
+namespace {
+
+void loadContextCallback(const double&, Observer*, BaseObject* a, BaseObject*, BaseObject*, const void*)
+{
+    auto* request = dynamic_cast<Context::LoadRequest*>(a);
+    if (!request || request->context)
+        return;
+    LoadedScene scene = request->data.empty() ? SceneLoader::load(request->url)
+                                              : SceneLoader::loadData(request->data, request->url);
+    if (!scene.root)
+        return;
+    SmartPtr<Context> context(Context::create());
+    context->addRoot(*scene.root);
+    context->setSourceUrl(request->url);
+    request->context = context;
+}
+
+SmartPtr<NodeNameSpace> resolvePrototypes(const std::string& url)
+{
+    if (!Pordane::URL(url).isLocal())
+        return {};
+    LoadedScene scene = SceneLoader::load(url);
+    if (!scene.root)
+        return {};
+    // The namespace keeps its prototypes; the scene's own nodes are not needed.
+    return SmartPtr<NodeNameSpace>(&scene.root->nameSpace());
+}
+
+// Registered while the library is loaded, taken back when it is unloaded.
+struct Registration {
+    Observer observer{"ClassicSceneLoader"};
+    int      resolverID = 0;
+    Registration()
+    {
+        observer.addCallback(&loadContextCallback);
+        observer.setSubject(&Context::loadContextSubject());
+        resolverID = ProtoLibrary::the().addResolver(&resolvePrototypes);
+    }
+    ~Registration()
+    {
+        observer.setSubject(nullptr);
+        ProtoLibrary::the().removeResolver(resolverID);
+    }
+};
+
+Registration& registration()
+{
+    static Registration r;
+    return r;
+}
+
+[[maybe_unused]] const bool registeredAtLoad = (registration(), true);
+
+} // namespace
+
+void SceneLoader::init()
+{
+    registration();
+}
+
+} // namespace Orvane

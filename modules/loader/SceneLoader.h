@@ -1,0 +1,55 @@
+#ifndef ORVANE_MODULES_LOADER_SCENELOADER_H
+#define ORVANE_MODULES_LOADER_SCENELOADER_H
+
+#include "modules/loader/SceneBuilder.h"
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace Orvane {
+
+class WriteAction;
+
+// A scene read from a file or from memory, with what went wrong on the way.
+struct LoadedScene {
+    SmartPtr<Node>         root;     // the "SceneRoot" node; null when nothing could be read
+    SceneHeader            header;
+    std::vector<LoadError> errors;
+    bool readable() const { return root != nullptr; }
+};
+
+// Reads scene files: plain or gzip-compressed (known by their first bytes, not their names),
+// classic VRML 2.0 / X3D classic text. While the library is loaded it observes "loadContext"
+// (so that Context::load and createContextVec read files) and resolves EXTERNPROTO URLs for the
+// prototype library.
+class ORVANE_LOADER_API SceneLoader {
+public:
+    // Decompressed input beyond this is refused, so that a small hostile file cannot take all
+    // memory.
+    static constexpr std::size_t MaxInflatedSize = std::size_t(1) << 30;
+
+    // The file of a local URL or path, decompressed when it is gzip data. False, logged, when it
+    // cannot be read.
+    static bool readFile(const std::string& url, std::string& content);
+    // Decompresses gzip data in place; other data is left alone. False for broken gzip data.
+    static bool inflate(std::string& content);
+    static bool isGzip(const std::string& content);
+
+    static LoadedScene load(const std::string& url);
+    // `data` read as the content of `url` (compressed or not).
+    static LoadedScene loadData(std::string data, const std::string& url);
+
+    // Writes a loaded scene's top-level nodes (with its prototypes, routes and exports) through
+    // `writer`, as a file of the writer's kind. False when the stream failed.
+    static bool write(Node& root, WriteAction& writer, std::ostream& out);
+
+    // Registers the "loadContext" observer and the prototype resolver (done once, when the
+    // library is loaded; calling it again does nothing).
+    static void init();
+};
+
+} // namespace Orvane
+
+#endif

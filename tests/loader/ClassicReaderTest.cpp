@@ -1,0 +1,200 @@
+// The classic reader: the test scenes read cleanly, survive a write and a second read, and every
+// kind of fault is reported at its place while the rest of the scene loads.
+#include "base/Context.h"
+#include "base/EventInSlot.h"
+#include "base/EventOutSlot.h"
+#include "base/MFNode.h"
+#include "base/NodeNameSpace.h"
+#include "base/NodeType.h"
+#include "base/ProtoInstance.h"
+#include "base/Route.h"
+#include "base/VRMLWriteAction.h"
+#include "modules/loader/SceneLoader.h"
+#include "tests/support/LogCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+
+using namespace Orvane;
+using namespace Orvane::Test;
+
+namespace {
+
+std::string data(const char* name)
+{
+    return std::string(ORVANE_TEST_DATA) + "/" + name;
+}
+
+std::string write(Node& root)
+{
+    VRMLWriteAction    writer;
+    std::ostringstream out;
+    EXPECT_TRUE(SceneLoader::write(root, writer, out));
+    return out.str();
+}
+
+// What makes two scenes equal here: nodes by type, DEF names with their types, routes.
+std::multiset<std::string> shape(Node& root)
+{
+    std::multiset<std::string> out;
+    std::vector<Node*> nodes;
+    root.nameSpace().fillNodeVec(nodes);
+    for (Node* node : nodes)
+        out.insert(node->type().name() + (node->hasName() && !node->isAutoNamed() ? " " + node->name() : ""));
+    std::vector<Route*> routes;
+    Route::fillRouteVec(routes, &root.nameSpace(), Route::DEFAULT);
+    for (Route* r : routes)
+        out.insert("ROUTE " + r->outSlot().field().owner().name() + "." + r->outSlot().field().findName() + " " +
+                   r->inSlot().field().owner().name() + "." + r->inSlot().field().findName());
+    return out;
+}
+
+Node* named(const LoadedScene& scene, const char* name)
+{
+    return scene.root->nameSpace().findNode(name);
+}
+
+std::string text(Node& node, const char* field)
+{
+    return node.findField(std::string(field))->strValue();
+}
+
+class ClassicReaderTest : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(ClassicReaderTest, ReadsWritesAndReadsBackTheSame)
+{
+    LogCapture  log;
+    LoadedScene first = SceneLoader::load(data(GetParam()));
+    ASSERT_TRUE(first.readable());
+    for (const LoadError& e : first.errors)
+        ADD_FAILURE() << e.file << ":" << e.line << ":" << e.column << ": " << e.message;
+    std::string once = write(*first.root);
+    LoadedScene second = SceneLoader::loadData(once, data(GetParam()));
+    ASSERT_TRUE(second.readable());
+    EXPECT_TRUE(second.errors.empty()) << once;
+    EXPECT_EQ(shape(*first.root), shape(*second.root));
+    EXPECT_EQ(write(*second.root), once);
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenes, ClassicReaderTest,
+                         ::testing::Values("classic-all.wrl", "classic-x3d.x3dv", "classic-x3d-gz.bin"));
+
+TEST(ClassicReader, ValuesSharingPrototypesAndScripts)
+{
+    LogCapture  log;
+    LoadedScene scene = SceneLoader::load(data("classic-all.wrl"));
+    ASSERT_TRUE(scene.readable());
+    EXPECT_EQ(named(scene, "Shared")->parentCount(), 2u);
+    EXPECT_EQ(named(scene, "Root")->findField(std::string("translation"))->strValue(), "1 2.5 -3");
+    // A comment inside a list, escapes inside strings.
+    std::vector<Node*> nodes;
+    scene.root->nameSpace().fillNodeVec(nodes);
+    for (Node* node : nodes) {
+        if (node->type().name() == "Coordinate") {
+            EXPECT_EQ(node->findField(std::string("point"))->size(), 3u);
+        }
+    }
+    EXPECT_EQ(text(*named(scene, "Info"), "title"), "A \"quoted\" title");
+    EXPECT_EQ(named(scene, "Info")->findField(std::string("info"))->size(), 2u);
+    // Script interface declarations are dynamic fields with their values.
+    Node& code = *named(scene, "Code");
+    EXPECT_EQ(text(code, "counter"), "7");
+    EXPECT_NE(code.findField(std::string("set_fraction")), nullptr);
+    EXPECT_NE(code.findField(std::string("position_changed")), nullptr);
+    EXPECT_EQ(code.findField(std::string("names"))->size(), 2u);
+    // The prototype instance takes its value; the EXTERNPROTO resolved from the second file.
+    Node& kitchen = *named(scene, "Kitchen");
+    EXPECT_EQ(text(kitchen, "level"), "0.8");
+    ASSERT_NE(ProtoInstance::cast(&kitchen), nullptr);
+    EXPECT_EQ(ProtoInstance::cast(&kitchen)->firstNode()->type().name(), "Group");
+    EXPECT_NE(scene.root->nameSpace().getExportedNode("Paint"), nullptr);
+}
+
+TEST(ClassicReader, X3DHeaderStatementsAreKept)
+{
+    LogCapture  log;
+    LoadedScene scene = SceneLoader::load(data("classic-x3d-gz.bin"));
+    ASSERT_TRUE(scene.readable());
+    EXPECT_EQ(scene.header.encoding, "X3D");
+    EXPECT_EQ(scene.header.version, "3.3");
+    EXPECT_EQ(text(*scene.root, "profile"), "Interchange");
+    EXPECT_EQ(text(*scene.root, "components"), "\"Geospatial:1\" \"Navigation:2\"");
+    EXPECT_EQ(text(*scene.root, "units"), "\"length centimeter 0.01\"");
+    ASSERT_NE(scene.root->nameSpace().getMetaData("creator"), nullptr);
+    EXPECT_EQ(*scene.root->nameSpace().getMetaData("creator"), "tests");
+}
+
+TEST(ClassicReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
+{
+    LogCapture  log;
+    LoadedScene scene = SceneLoader::load(data("classic-errors.wrl"));
+    ASSERT_TRUE(scene.readable());
+    const std::vector<std::tuple<int, int, std::string>> expected = {
+        {4, 5, "unknown node type 'Frobnicator'"},
+        {5, 33, "value does not fit SFVec3f field Box.size"},
+        {6, 37, "unknown field 'nosuchfield' in Appearance"},
+        {9, 1, "USE of unknown name 'Missing'"},
+        {11, 1, "ROUTE A.translation_changed TO Nobody.set_translation: unknown node 'Nobody'"},
+        {12, 1, "ROUTE A.nosuch TO A.set_translation: unknown field 'nosuch'"},
+        {14, 1, "ROUTE A.translation_changed TO B.children_changed: the fields do not match"},
+        {16, 38, "unterminated string"},
+        {16, 30, "missing '}' for this WorldInfo node"},
+        {16, 18, "missing ']' for this list"},
+        {16, 7, "missing '}' for this Group node"},
+    };
+    std::vector<std::tuple<int, int, std::string>> found;
+    for (const LoadError& e : scene.errors)
+        found.emplace_back(e.line, e.column, e.message);
+    EXPECT_EQ(found, expected);
+    const std::string path = data("classic-errors.wrl");
+    EXPECT_TRUE(log.contains(path + ":9:1: USE of unknown name 'Missing'\n", LOG_WARNING));
+    // The rest is there: later nodes, and the unknown node with its fields as text.
+    EXPECT_NE(named(scene, "Last"), nullptr);
+    std::vector<Node*> nodes;
+    scene.root->nameSpace().fillNodeVec(nodes);
+    bool unknownKept = false;
+    for (Node* node : nodes)
+        if (node->type().name() == "UnknownNode" && text(*node, "typeName") == "Frobnicator")
+            unknownKept = text(*node, "label") == "\"kept\"" && text(*node, "weight") == "3.000000";
+    EXPECT_TRUE(unknownKept);
+    // Written back, it reads again with its fields.
+    VRMLWriteAction    writer;
+    std::ostringstream out;
+    SceneLoader::write(*scene.root, writer, out);
+    LoadedScene again = SceneLoader::loadData(out.str(), path);
+    EXPECT_TRUE(again.errors.empty()) << out.str();
+}
+
+TEST(ClassicReader, NestingBeyondTheLimitIsAnError)
+{
+    LogCapture  log;
+    std::string deep = "#VRML V2.0 utf8\n";
+    for (int i = 0; i < 5000; ++i)
+        deep += "Group { children [ ";
+    LoadedScene scene = SceneLoader::loadData(deep, "deep.wrl");
+    ASSERT_TRUE(scene.readable());
+    ASSERT_FALSE(scene.errors.empty());
+    EXPECT_EQ(scene.errors.front().message, "nesting deeper than 200 levels");
+}
+
+TEST(ClassicReader, NotASceneAndBrokenGzipAreUnreadable)
+{
+    LogCapture log;
+    EXPECT_FALSE(SceneLoader::loadData("Group { }", "plain.txt").readable());
+    EXPECT_FALSE(SceneLoader::loadData(std::string("\x1f\x8b\x08\x00garbage", 12), "bad.gz").readable());
+    EXPECT_FALSE(SceneLoader::load(data("no-such-file.wrl")).readable());
+}
+
+TEST(ClassicReader, ContextLoadReadsThroughTheObserver)
+{
+    LogCapture        log;
+    SceneLoader::init();
+    SmartPtr<Context> context(Context::create("loading"));
+    EXPECT_TRUE(context->load(data("classic-x3d.x3dv"), Context::ReplaceLoad));
+    EXPECT_FALSE(log.contains("No _loadContextSubject Observer, cannot load " + data("classic-x3d.x3dv") + "\n"));
+    context->exit();
+}
+
+} // namespace

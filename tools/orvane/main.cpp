@@ -1,0 +1,179 @@
+// orvane: reads VRML 2.0 / X3D classic scene files (gzip-compressed or not).
+//   orvane convert IN [-o OUT] [--graph] [--exact]   write the scene as VRML 2.0 (or a graph)
+//   orvane info IN                                   header, nodes, names, routes, prototypes
+// "-" is standard input or output. Exit status: 0 read without errors, 1 read with errors
+// (listed on standard error as file:line:column: message), 2 not read at all.
+#include "base/GXDWriteAction.h"
+#include "base/Log.h"
+#include "base/Node.h"
+#include "base/NodeNameSpace.h"
+#include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
+#include "base/EventInSlot.h"
+#include "base/EventOutSlot.h"
+#include "base/Field.h"
+#include "base/Route.h"
+#include "base/VRMLWriteAction.h"
+#include "modules/loader/SceneLoader.h"
+
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <sstream>
+#include <string>
+
+using namespace Orvane;
+
+namespace {
+
+int usage()
+{
+    std::fprintf(stderr, "usage: orvane convert IN [-o OUT] [--graph] [--exact]\n"
+                         "       orvane info IN\n"
+                         "IN and OUT may be '-' for standard input and output.\n");
+    return 2;
+}
+
+LoadedScene readScene(const std::string& in)
+{
+    if (in != "-")
+        return SceneLoader::load(in);
+    std::string data((std::istreambuf_iterator<char>(std::cin)), std::istreambuf_iterator<char>());
+    return SceneLoader::loadData(std::move(data), "<stdin>");
+}
+
+// Errors on standard error; the exit status for the scene.
+int report(const LoadedScene& scene, const std::string& in)
+{
+    for (const LoadError& e : scene.errors) {
+        if (e.line > 0)
+            std::fprintf(stderr, "%s:%d:%d: %s\n", e.file.c_str(), e.line, e.column, e.message.c_str());
+        else
+            std::fprintf(stderr, "%s: %s\n", e.file.c_str(), e.message.c_str());
+    }
+    if (!scene.readable()) {
+        if (scene.errors.empty())
+            std::fprintf(stderr, "%s: cannot read the scene\n", in.c_str());
+        return 2;
+    }
+    return scene.errors.empty() ? 0 : 1;
+}
+
+int convert(int argc, char** argv)
+{
+    std::string in, out = "-";
+    bool graph = false, exact = false;
+    for (int i = 0; i < argc; ++i) {
+        if (!std::strcmp(argv[i], "-o") && i + 1 < argc)
+            out = argv[++i];
+        else if (!std::strcmp(argv[i], "--graph"))
+            graph = true;
+        else if (!std::strcmp(argv[i], "--exact"))
+            exact = true;
+        else if (in.empty() && (argv[i][0] != '-' || !std::strcmp(argv[i], "-")))
+            in = argv[i];
+        else
+            return usage();
+    }
+    if (in.empty())
+        return usage();
+    LoadedScene scene = readScene(in);
+    int status = report(scene, in);
+    if (!scene.readable())
+        return status;
+
+    VRMLWriteAction vrml;
+    GXDWriteAction  gxd;
+    WriteAction&    writer = graph ? static_cast<WriteAction&>(gxd) : vrml;
+    writer.setWriteExactNumbers(exact);
+    bool written;
+    if (out == "-") {
+        written = SceneLoader::write(*scene.root, writer, std::cout);
+        std::cout.flush();
+    } else {
+        std::ofstream file(out, std::ios::binary);
+        written = file && SceneLoader::write(*scene.root, writer, file);
+    }
+    if (!written) {
+        std::fprintf(stderr, "%s: cannot write\n", out.c_str());
+        return 2;
+    }
+    return status;
+}
+
+int info(int argc, char** argv)
+{
+    if (argc != 1)
+        return usage();
+    std::string in = argv[0];
+    LoadedScene scene = readScene(in);
+    if (scene.readable()) {
+        const SceneHeader& h = scene.header;
+        std::printf("header: #%s V%s %s\n", h.encoding.c_str(), h.version.c_str(), h.charset.c_str());
+        if (!h.profile.empty())
+            std::printf("profile: %s\n", h.profile.c_str());
+        for (const auto& c : h.components)
+            std::printf("component: %s:%d\n", c.first.c_str(), c.second);
+        for (const auto& u : h.units)
+            std::printf("unit: %s %s %s\n", u[0].c_str(), u[1].c_str(), u[2].c_str());
+        for (const auto& m : h.meta)
+            std::printf("meta: \"%s\" \"%s\"\n", m.first.c_str(), m.second.c_str());
+
+        NodeNameSpace&     ns = scene.root->nameSpace();
+        std::vector<Node*> nodes;
+        ns.fillNodeVec(nodes);
+        std::map<std::string, unsigned> byType;
+        std::vector<std::string>        names;
+        for (Node* node : nodes) {
+            if (node == scene.root.get() || node->type().name() == "_ProtoDeclaration")
+                continue;
+            ++byType[node->type().name()];
+            if (node->hasName() && !node->isAutoNamed())
+                names.push_back(node->name() + " (" + node->type().name() + ")");
+        }
+        unsigned total = 0;
+        for (const auto& entry : byType)
+            total += entry.second;
+        std::printf("nodes: %u\n", total);
+        for (const auto& [type, count] : byType)
+            std::printf("  %-24s %u\n", type.c_str(), count);
+        std::printf("DEF names: %zu\n", names.size());
+        for (const auto& name : names)
+            std::printf("  %s\n", name.c_str());
+        std::vector<Route*> routes;
+        Route::fillRouteVec(routes, &ns, Route::DEFAULT);
+        std::printf("routes: %zu\n", routes.size());
+        for (Route* r : routes) {
+            Field& from = r->outSlot().field();
+            Field& to = r->inSlot().field();
+            auto label = [](Field& f) { return (f.owner().hasName() ? f.owner().name() : f.owner().type().name()) + "." + f.findName(); };
+            std::printf("  %s TO %s\n", label(from).c_str(), label(to).c_str());
+        }
+        std::vector<NodeType*> protos;
+        ns.protoTypeNameSpace().getTypeVec(protos, 3);
+        std::printf("prototypes: %zu\n", protos.size());
+        for (NodeType* p : protos)
+            std::printf("  %s\n", p->name().c_str());
+    }
+    std::printf("errors: %zu\n", scene.errors.size());
+    std::fflush(stdout);
+    return report(scene, in);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // Faults are listed by the program itself, once, in the file:line:column form.
+    Log::the().setDefaultSinkEnabled(false);
+    if (argc < 3)
+        return usage();
+    if (!std::strcmp(argv[1], "convert"))
+        return convert(argc - 2, argv + 2);
+    if (!std::strcmp(argv[1], "info"))
+        return info(argc - 2, argv + 2);
+    return usage();
+}
