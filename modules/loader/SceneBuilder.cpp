@@ -23,6 +23,26 @@ namespace Orvane {
 
 namespace {
 
+// A node of a stand-in type holds its type for as long as the whole node lives (as the first
+// base it goes last): the type belongs to the scene's type namespace, which may go before a
+// node that a prototype body or a user still holds.
+struct StandInTypeHold {
+    explicit StandInTypeHold(NodeType& type) : _typeHold(&type) {}
+    SmartPtr<NodeType> _typeHold;
+};
+
+class StandInNode : private StandInTypeHold, public Node {
+public:
+    StandInNode(NodeType& type, NodeNameSpace& nameSpace, const char* name)
+        : StandInTypeHold(type), Node(type, nameSpace, name)
+    {
+    }
+    static Node* create(NodeType& type, NodeNameSpace& nameSpace, const char* name)
+    {
+        return new StandInNode(type, nameSpace, name);
+    }
+};
+
 // Parts of the scene root: the top-level nodes and the header statements.
 enum SceneRootPart : unsigned { ChildrenPart = 2, EncodingPart, VersionPart, ProfilePart, ComponentsPart,
                                 UnitsPart, MetaPart };
@@ -262,7 +282,7 @@ NodeType* SceneBuilder::standInType(const std::string& typeName)
     if (NodeType* known = types.findLocalType(typeName))
         return isUnknown(*known) ? known : nullptr;
     auto* type = new NodeType(types, typeName.c_str(), "Loader", "UnknownNode", nullptr, "1.0", "Loader", nullptr,
-                              "stable", nullptr, "Orvane", false, false, &Node::isNodeType, &Node::createNode,
+                              "stable", nullptr, "Orvane", false, false, &Node::isNodeType, &StandInNode::create,
                               &Node::createProc, nullptr, 0);
     types.adoptType(*type);
     type->initType();
