@@ -113,6 +113,19 @@ const char* NodePartDesc::partTypeName(NodePartType partType)
     return "Invalid Part Type";
 }
 
+const char* NodePartDesc::accessTypeName(NodePartType partType)
+{
+    switch (partType) {
+    case FieldPartType:        return "initializeOnly";
+    case EventInPartType:      return "inputOnly";
+    case EventOutPartType:     return "outputOnly";
+    case ExposedFieldPartType: return "inputOutput";
+    default: break;
+    }
+    ORV_WARNING("Invalid partType %d, cannot find name entry\n", static_cast<int>(partType));
+    return "Invalid Part Type";
+}
+
 void NodePartDesc::init(NodeType& owner)
 {
     _ownerType = &owner;
