@@ -10,6 +10,9 @@
 #include "base/NodeProc.h"
 #include "base/NodeType.h"
 #include "base/ProtoDeclaration.h"
+#include "base/Route.h"
+#include "base/EventOutSlot.h"
+#include "base/EventInSlot.h"
 #include "base/SFBool.h"
 #include "base/SFNode.h"
 #include "base/SFString.h"
@@ -403,15 +406,19 @@ int X3DWriteAction::endNode(Node& node)
     }
     closeElement();
 
-    NodeNameSpace& own = ownNameSpace(node);
-    if (!(node.hasParents() && &own == &node.nameSpace())) {
-        writeExports(own);
+    // What is imported from a node's own scope follows it; what that scope exports belongs to
+    // its own document. The statements of a scope follow its last root node, where every name
+    // they use is defined.
+    if (node.hasName() && !node.nameSpace().importVec().empty())
+        writeImports(node);
+    if (&ownNameSpace(node) != &node.nameSpace())
+        flushRouteBag(true);
+    if (!node.hasParents()) {
+        writeExports(node.nameSpace());
         flushRouteBag(true);
         writeImportRoutes(node.nameSpace());
     }
     setCurrentNameSpace(node.hasParents() ? &node.nameSpace() : nullptr);
-    if (node.hasName() && !node.nameSpace().importVec().empty())
-        writeImports(node);
     return indentLevel();
 }
 
@@ -447,6 +454,11 @@ void X3DWriteAction::writeField(Field& field, FieldStyle style)
     }
     // Values belong to the start tag; the walk writes them before anything else.
     if (!element.open)
+        return;
+    // A string whose default text is empty holds its default while it is empty (the field's
+    // own test only knows defaults that have a text).
+    if (field.dataType() == SFStringType && !writeDefaultValue() && field.desc() && field.desc()->defaultValue().empty()
+        && static_cast<const SFString&>(field).value().empty())
         return;
     unsigned skip = 0;
     if (element.code && field.dataType() == MFStringType && std::string_view(field.nameOrNoName()) == "url") {
@@ -508,7 +520,10 @@ void X3DWriteAction::endMFNode(FieldStyle style)
 
 void X3DWriteAction::writeRoute(Route& route)
 {
-    bagRoute(route);
+    // A route into or out of another scope runs through an import: writeImportRoutes writes it
+    // under the imported name.
+    if (&route.outSlot().node().nameSpace() == &route.inSlot().node().nameSpace())
+        bagRoute(route);
 }
 
 void X3DWriteAction::flushRouteBag(bool pop)

@@ -142,9 +142,12 @@ bool SceneLoader::write(Node& root, WriteAction& writer, std::ostream& out)
     auto* children = dynamic_cast<MFNode*>(root.findField(std::string("children")));
     writer.setSceneHeader(header(root));
     writer.begin(out, "");
-    for (unsigned i = 0, n = children ? children->size() : 0; i < n; ++i)
-        if (Node* node = children->childNode(static_cast<int>(i)))
+    // A prototype instance at the top is written as itself unless the writer resolves them.
+    for (unsigned i = 0, n = children ? children->size() : 0; i < n; ++i) {
+        const NodeLink& link = children->elem(static_cast<int>(i));
+        if (Node* node = writer.resolveProto() ? link.node() : link.directNode())
             writer.writeNode(*node);
+    }
     writer.writeExports(root.nameSpace());
     writer.end();
     return static_cast<bool>(out);
