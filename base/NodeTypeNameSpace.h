@@ -72,6 +72,10 @@ public:
     static Subject& newObjectSubject();
     static Subject& deleteObjectSubject();
 
+    // Keeps a type made at run time (a prototype, an alias, a loader's stand-in) for the
+    // namespace's life.
+    void adoptType(NodeType& type);
+
     NodeTypeNameSpace(const NodeTypeNameSpace&) = delete;
     NodeTypeNameSpace& operator=(const NodeTypeNameSpace&) = delete;
 
@@ -81,8 +85,6 @@ private:
     NodeTypeNameSpace(const char* name, NodeTypeNameSpace* parent);
 
     void regType(NodeType& type);
-    // Keeps a proto or alias type made at run time for the namespace's life.
-    void adoptType(NodeType& type);
     void unregType(NodeType& type);
     // Drops every entry that names `type`, referenced ones included.
     void        forgetType(const NodeType& type);

@@ -388,9 +388,12 @@ WriteAction::FieldStyle WriteAction::resolveStyle(const Field& field, FieldStyle
 {
     if (style != DefaultStyle)
         return style;
-    // A field of the node's own type is written by name; a field added to one node (or one
-    // without descriptor) needs its declaration.
-    return field.desc() && field.isNodeTypePart() ? NormalStyle : InterfaceStyle;
+    // A field of the node's own type is written by name, and so is a field added to a node whose
+    // type takes no declarations; a field added to a script-like node (or one without
+    // descriptor) needs its declaration.
+    if (!field.desc())
+        return InterfaceStyle;
+    return field.isNodeTypePart() || !field.owner().type().isExtensible() ? NormalStyle : InterfaceStyle;
 }
 
 Node* WriteAction::linkedNode(const NodeLink& link) const

@@ -346,7 +346,7 @@ void ClassicReader::nodeItem(Node& node, Token name, int depth)
         interfaceDeclaration(node, name, depth);
         return;
     }
-    if (&node.type() == &SceneBuilder::unknownNodeType()) {
+    if (SceneBuilder::isUnknown(node.type())) {
         unknownField(node, name, depth);
         return;
     }

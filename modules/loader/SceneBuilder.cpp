@@ -37,10 +37,6 @@ NodePartDesc sceneRootParts[] = {
     NodePartDesc(MetaPart, PartMask::bit(MetaPart), FieldPartType, MFStringType, 0, "meta"),
 };
 
-NodePartDesc unknownParts[] = {
-    NodePartDesc(2, PartMask::bit(2), FieldPartType, SFStringType, 0, "typeName"),
-};
-
 bool isDigitText(char c)
 {
     return (c >= '0' && c <= '9');
@@ -186,10 +182,12 @@ NodeType& SceneBuilder::sceneRootType()
 NodeType& SceneBuilder::unknownNodeType()
 {
     static NodeType& type = [] () -> NodeType& {
+        // Abstract: each unknown type name gets a type of its own below it (standInType), so
+        // that its nodes are written back under their own name.
         auto* t = new NodeType(theBaseNodeTypeFactory(), "UnknownNode", "Loader", "Node", nullptr, "1.0", "Loader",
                                "A node of a type the reader did not know; its fields are kept as read",
-                               "stable", nullptr, "Orvane", true, false, &Node::isNodeType, &Node::createNode,
-                               &Node::createProc, unknownParts, std::size(unknownParts));
+                               "stable", nullptr, "Orvane", false, false, &Node::isNodeType, nullptr, nullptr,
+                               nullptr, 0);
         // A node of unknown type may stand wherever the file put it: it is a kind of every
         // abstract type of the catalog.
         for (const SmartPtr<NodeType>& abstract : X3DCatalog::init().types())
@@ -243,7 +241,7 @@ Node* SceneBuilder::createNode(std::string_view typeName, std::string_view defNa
     if (!def.empty() && scope().findNode(def))
         ORV_INFO("%s:%d:%d: DEF %s names a second node\n", _url.c_str(), place.line, place.column, name);
     NodeType* type = NodeTypeNameSpace::findType(&scope().nodeTypeNameSpace(), _text, CaseSensitive);
-    if (type && !type->isAbstract() && !type->isContextRoot()) {
+    if (type && !type->isAbstract() && !type->isContextRoot() && !isUnknown(*type)) {
         Node* node = type->createNode(&scope(), name, LoaderCreator);
         if (node && isVrml97())
             X3DCatalog::applyVrml97Defaults(*node);
@@ -251,10 +249,29 @@ Node* SceneBuilder::createNode(std::string_view typeName, std::string_view defNa
             return node;
     }
     error(place, "unknown node type '" + _text + "'");
-    Node* node = unknownNodeType().createNode(&scope(), name, LoaderCreator);
-    if (node)
-        node->findField(std::string("typeName"))->setValueByStr(0.0, _text.c_str());
-    return node;
+    NodeType* standIn = standInType(_text);
+    return standIn ? standIn->createNode(&scope(), name, LoaderCreator) : nullptr;
+}
+
+NodeType* SceneBuilder::standInType(const std::string& typeName)
+{
+    // One type per unknown name, kept in the scene's own type namespace so that it goes with
+    // the scene; its nodes carry whatever fields the file gives them as dynamic fields.
+    NodeTypeNameSpace& types = _root->nameSpace().protoTypeNameSpace();
+    unknownNodeType();  // the parent, registered on first use
+    if (NodeType* known = types.findLocalType(typeName))
+        return isUnknown(*known) ? known : nullptr;
+    auto* type = new NodeType(types, typeName.c_str(), "Loader", "UnknownNode", nullptr, "1.0", "Loader", nullptr,
+                              "stable", nullptr, "Orvane", false, false, &Node::isNodeType, &Node::createNode,
+                              &Node::createProc, nullptr, 0);
+    types.adoptType(*type);
+    type->initType();
+    return type;
+}
+
+bool SceneBuilder::isUnknown(const NodeType& type)
+{
+    return &type != &unknownNodeType() && type.isA(unknownNodeType());
 }
 
 Node* SceneBuilder::use(std::string_view name, Place place)
@@ -282,7 +299,7 @@ bool SceneBuilder::addRoot(Node& child, Place place)
 bool SceneBuilder::addChild(Node& parent, Field& field, Node& child, Place place)
 {
     bool placed = false;
-    if (isDeclarationField(field) || &parent == _root.get() || &child.type() == &unknownNodeType()) {
+    if (isDeclarationField(field) || &parent == _root.get() || isUnknown(child.type())) {
         // Interface values and top-level nodes take any node, and a node of unknown type is
         // kept wherever the file put it.
         if (field.dataType() == SFNodeType)

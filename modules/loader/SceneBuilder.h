@@ -95,7 +95,10 @@ public:
 
     // The context root type of loaded scenes (registered with the loader).
     static NodeType& sceneRootType();
+    // The abstract parent of the types that stand in for node types the reader did not know;
+    // isUnknown tells such a stand-in.
     static NodeType& unknownNodeType();
+    static bool      isUnknown(const NodeType& type);
 
 private:
     struct Scope {
@@ -103,6 +106,7 @@ private:
         ProtoDeclaration* proto;
     };
     NodeNameSpace& scope() const;
+    NodeType*      standInType(const std::string& typeName);
     std::string    fieldLabel(const Field& field) const;
 
     std::string            _url;

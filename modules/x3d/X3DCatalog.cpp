@@ -107,8 +107,12 @@ X3DCatalog::X3DCatalog(NodeTypeNameSpace& nameSpace) : _nameSpace(&nameSpace)
                                 field.valueType);
         }
         const bool concrete = fact.kind == X3DTable::Concrete;
+        // Scripts and programmable shaders take field declarations of their own.
+        const bool extensible = std::string_view(fact.parent) == "X3DScriptNode"
+                                || std::string_view(fact.additional).find("X3DProgrammableShaderObject")
+                                       != std::string_view::npos;
         NodeType* type = new NodeType(nameSpace, fact.name, "X3D", fact.parent, nullptr, "4.0", fact.component,
-                                      nullptr, "stable", nullptr, "X3D4.0", false, false, &Node::isNodeType,
+                                      nullptr, "stable", nullptr, "X3D4.0", extensible, false, &Node::isNodeType,
                                       concrete ? &Node::createNode : nullptr, concrete ? &Node::createProc : nullptr,
                                       first, fact.fieldCount);
         forEachName(fact.additional, [type](const std::string& name) { type->addAdditionalParent(name.c_str()); });

@@ -156,15 +156,21 @@ TEST(ClassicReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
     scene.root->nameSpace().fillNodeVec(nodes);
     bool unknownKept = false;
     for (Node* node : nodes)
-        if (node->type().name() == "UnknownNode" && text(*node, "typeName") == "Frobnicator")
+        if (node->type().name() == "Frobnicator" && SceneBuilder::isUnknown(node->type()))
             unknownKept = text(*node, "label") == "\"kept\"" && text(*node, "weight") == "3.000000";
     EXPECT_TRUE(unknownKept);
-    // Written back, it reads again with its fields.
+    // Written back under its own name, it reads again the same (its type still unknown) and
+    // writes the same bytes.
     VRMLWriteAction    writer;
     std::ostringstream out;
     SceneLoader::write(*scene.root, writer, out);
+    EXPECT_NE(out.str().find("Frobnicator {\n"), std::string::npos) << out.str();
     LoadedScene again = SceneLoader::loadData(out.str(), path);
-    EXPECT_TRUE(again.errors.empty()) << out.str();
+    ASSERT_EQ(again.errors.size(), 1u) << out.str();
+    EXPECT_EQ(again.errors[0].message, "unknown node type 'Frobnicator'");
+    std::ostringstream second;
+    SceneLoader::write(*again.root, writer, second);
+    EXPECT_EQ(second.str(), out.str());
 }
 
 TEST(ClassicReader, NestingBeyondTheLimitIsAnError)
