@@ -439,7 +439,8 @@ void X3DWriteAction::writeField(Field& field, FieldStyle style)
         closeElement();
         return;
     }
-    if (_elements.empty())
+    // The run-time log switch of every node is the system's own, no X3D field.
+    if (_elements.empty() || &field == field.owner().logFeature())
         return;
     Element& element = _elements.back();
     if (element.instance) {

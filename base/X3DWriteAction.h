@@ -19,9 +19,11 @@ namespace Orvane {
 // containerField only where its field differs from its type's NodeType::containerField.
 // Prototypes are ProtoDeclare (ProtoInterface, ProtoBody, IS/connect) and ExternProtoDeclare,
 // their instances ProtoInstance with fieldValue children; added fields (Script) are <field>
-// elements. The first url value of a Script or shader node that is inline code (ecmascript:,
-// javascript:, vrmlscript:, data:) is written as the element's CDATA content, the other values
-// stay in url. Attribute values are delimited by apostrophes.
+// elements. ROUTE, EXPORT and import routes follow the last node of their scope (the scene, or
+// a ProtoBody); an IMPORT follows the node it imports from. The first url value of a Script or
+// shader node that is inline code (ecmascript:, javascript:, vrmlscript:, data:) is written as
+// the element's CDATA content, the other values stay in url. Attribute values are delimited by
+// apostrophes; the nodes' run-time logFeature switch is not written.
 //
 //     X3DWriteAction writer;
 //     writer.writeFile(root, "scene.x3d");

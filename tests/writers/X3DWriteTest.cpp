@@ -89,6 +89,7 @@ std::string writeXml(Node& root, std::uint32_t options = 0)
     writer.setUseTAB(options & WriteAction::UseTAB);
     writer.setForbidNodeUSE(options & WriteAction::ForbidNodeUSE);
     writer.setWriteExactNumbers(options & WriteAction::WriteExactNumbers);
+    writer.setWriteDefaultValue(options & WriteAction::WriteDefaultValue);
     std::string text = write(writer, root);
     Documents::the().keep(text);
     return text;
@@ -153,6 +154,10 @@ const XmlCase xmlCases[] = {
      "      <Shape DEF='S_2'/>\n"
      "    </Group>\n"
      "    <Transform translation='0.12345679 0 0'/>\n"},
+    {"DefaultValuesWhenAsked", "Shape { geometry Cone { } }\n", WriteAction::WriteDefaultValue,
+     "    <Shape bboxCenter='0 0 0' bboxDisplay='false' bboxSize='-1 -1 -1' castShadow='true' visible='true'>\n"
+     "      <Cone bottom='true' bottomRadius='1' height='2' side='true' solid='true'/>\n"
+     "    </Shape>\n"},
     {"PrototypeWithISAndNodeValuedInstance",
      "PROTO Tile [ initializeOnly SFVec3f size 1 1 1 initializeOnly SFNode look NULL\n"
      "             inputOutput MFNode parts [ ] ] {\n"
