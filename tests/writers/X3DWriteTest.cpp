@@ -5,6 +5,7 @@
 #include "base/NodeNameSpace.h"
 #include "base/NodeProc.h"
 #include "base/NodeType.h"
+#include "base/ProtoDeclaration.h"
 #include "base/Route.h"
 #include "base/X3DClassicWriteAction.h"
 #include "base/X3DWriteAction.h"
@@ -305,6 +306,26 @@ TEST(X3DXmlDocument, ImportFollowsItsInlineAndRoutesUseTheImportedName)
               "    <IMPORT inlineDEF='I' importedDEF='Light' AS='Lamp'/>\n"
               "    <TimeSensor DEF='C'/>\n"
               "    <ROUTE fromNode='C' fromField='isActive' toNode='Lamp' toField='on'/>\n");
+}
+
+TEST(X3DXmlDocument, ExternalPrototypeDeclaresItsInterface)
+{
+    LoadedScene scene = load(std::string(x3dHeader) + "Group { }\n");
+    ASSERT_TRUE(scene.readable());
+    ProtoDeclaration* far;
+    {
+        Orvane::Test::LogCapture quiet;  // the address is not fetched here
+        far = ProtoDeclaration::declareExtern(scene.root->nameSpace(), "Far", {"lib/far.x3d#FarAway"});
+    }
+    ASSERT_NE(far, nullptr);
+    far->addField("inputOutput", "SFFloat", "speed");
+    far->addField("inputOnly", "SFInt32", "kick");
+    EXPECT_EQ(sceneOf(writeXml(*scene.root)),
+              "    <ExternProtoDeclare name='Far' url='\"lib/far.x3d#FarAway\"'>\n"
+              "      <field accessType='inputOutput' type='SFFloat' name='speed'/>\n"
+              "      <field accessType='inputOnly' type='SFInt32' name='kick'/>\n"
+              "    </ExternProtoDeclare>\n"
+              "    <Group/>\n");
 }
 
 TEST(X3DClassic, HeaderStatementsAndAccessWords)
