@@ -563,7 +563,9 @@ void WriteAction::writeNodeFields(Node& node)
         beginAttrField();
         writeFieldPass(node, ValuePass);
         endAttrField();
-        writeFieldPass(node, DeclarationPass);
+        // Only fields beyond the type's own can be declarations.
+        if (node.partCount() > node.type().partCount())
+            writeFieldPass(node, DeclarationPass);
         writeFieldPass(node, ChildPass);
     } else {
         writeFieldPass(node, AllPass);
@@ -591,6 +593,9 @@ void WriteAction::writeFieldPass(Node& node, FieldPass pass)
             continue;
         const NodePartDesc& desc = *field->desc();
         if ((skipPrivateField() && desc.privateAccess()) || (skipExtField() && desc.objExtension()))
+            continue;
+        // The cheap test first: a value pass never takes a node field, a child pass nothing else.
+        if ((pass == ValuePass && desc.isNodeField()) || (pass == ChildPass && !desc.isNodeField()))
             continue;
         FieldStyle style = resolveStyle(*field, DefaultStyle);
         if (pass != AllPass) {
