@@ -100,17 +100,36 @@ bool NodePartDesc::holdsField() const
     return _partType != InvalidPartType && _dataType >= SFBoolType && _dataType <= MFAnyType;
 }
 
-const char* NodePartDesc::partTypeName(NodePartType partType)
+namespace {
+
+// The classic and the X3D word of each access type.
+const char* accessWord(NodePartType partType, bool x3d)
 {
-    switch (partType) {
-    case FieldPartType:        return "field";
-    case EventInPartType:      return "eventIn";
-    case EventOutPartType:     return "eventOut";
-    case ExposedFieldPartType: return "exposedField";
-    default: break;
-    }
+    static const struct {
+        NodePartType type;
+        const char*  classic;
+        const char*  x3d;
+    } words[] = {{FieldPartType, "field", "initializeOnly"},
+                 {EventInPartType, "eventIn", "inputOnly"},
+                 {EventOutPartType, "eventOut", "outputOnly"},
+                 {ExposedFieldPartType, "exposedField", "inputOutput"}};
+    for (const auto& word : words)
+        if (word.type == partType)
+            return x3d ? word.x3d : word.classic;
     ORV_WARNING("Invalid partType %d, cannot find name entry\n", static_cast<int>(partType));
     return "Invalid Part Type";
+}
+
+} // namespace
+
+const char* NodePartDesc::partTypeName(NodePartType partType)
+{
+    return accessWord(partType, false);
+}
+
+const char* NodePartDesc::accessTypeName(NodePartType partType)
+{
+    return accessWord(partType, true);
 }
 
 void NodePartDesc::init(NodeType& owner)

@@ -118,6 +118,8 @@ public:
 
     static const char* partTypeName(NodePartType partType);
     const char*        partTypeName() const { return partTypeName(_partType); }
+    // The X3D access words: "initializeOnly", "inputOnly", "outputOnly", "inputOutput".
+    static const char* accessTypeName(NodePartType partType);
 
     // "<owner type>.<name>", or the name alone before the descriptor belongs to a type.
     std::string& getIDStr(std::string& out) const;

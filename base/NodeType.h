@@ -130,6 +130,11 @@ public:
     // initType on, the alias and its slot names find the part wherever its own names do.
     void addPartAlias(const char* alias, const char* partName);
 
+    // The field in which the X3D XML encoding puts a node of this type when its element names
+    // none: "children" unless the type's catalog set another (Shape's parts, geometry, ...).
+    const std::string& containerField() const { return _containerField; }
+    void               setContainerField(const char* name) { _containerField = name && *name ? name : "children"; }
+
     // Completes the type once all types exist; the number of failures. `force` runs it again.
     int        initType(bool force = false);
     static int initTypeTree(bool force = false);
@@ -225,6 +230,7 @@ private:
     std::vector<std::string> _additionalNames;
     std::vector<NodeType*>   _additionalParents;
     std::vector<std::pair<std::string, std::string>> _partAliases;  // alias, part name
+    std::string              _containerField = "children";
 };
 
 } // namespace Orvane

@@ -40,8 +40,7 @@ VRMLWriteAction::VRMLWriteAction(const double& timeStamp) : WriteAction(timeStam
 }
 
 VRMLWriteAction::VRMLWriteAction(const VRMLWriteAction& other)
-    : WriteAction(other), _routeBagStack(other._routeBagStack), _useTable(other._useTable),
-      _openFields(other._openFields), _deferred(other._deferred)
+    : WriteAction(other), _openFields(other._openFields), _deferred(other._deferred)
 {
     VRMLWriteAction::reset();
 }
@@ -54,8 +53,7 @@ VRMLWriteAction::VRMLWriteAction(const WriteAction& other) : WriteAction(other)
 VRMLWriteAction& VRMLWriteAction::operator=(const VRMLWriteAction& other)
 {
     if (this != &other) {
-        _routeBagStack = other._routeBagStack;
-        _useTable = other._useTable;
+        copyDocumentState(other);
         _openFields = other._openFields;
         _deferred = other._deferred;
     }
@@ -67,25 +65,26 @@ VRMLWriteAction::~VRMLWriteAction() = default;
 void VRMLWriteAction::reset()
 {
     WriteAction::reset();
-    _useTable.clear();
-    _routeBagStack.clear();
     _openFields.clear();
-    _protoWritten.clear();
     setOption(VrmlResetOption, true);
 }
 
-NodeNameSpace& VRMLWriteAction::ownNameSpace(const Node& node)
+void VRMLWriteAction::writeHeader()
 {
-    NodeNameSpace* own = node.proc() ? node.proc()->ownNameSpace() : nullptr;
-    return own ? *own : node.nameSpace();
+    put("#VRML V2.0 utf8\n\n");
+}
+
+const char* VRMLWriteAction::accessName(NodePartType partType) const
+{
+    return NodePartDesc::partTypeName(partType);
 }
 
 void VRMLWriteAction::begin(std::ostream& stream, const std::string&)
 {
     setStream(stream);
-    _protoWritten.clear();
+    forgetDeclaredPrototypes();
     if (good())
-        put("#VRML V2.0 utf8\n\n");
+        writeHeader();
     setCurrentNameSpace(nullptr);
 }
 
@@ -112,52 +111,28 @@ bool VRMLWriteAction::beginNode(Node& node)
     if (!_openFields.empty() && _openFields.back()->dataType() == MFNodeType)
         indent();
 
-    if (node.parentCount() < 2) {
-        if (!node.hasName() || (currentNameSpace() && node.isAutoNamed())) {
-            put(typeName);
-            put(" {");
-        } else {
-            put("DEF ");
-            put(node.name());
-            put(' ');
-            put(typeName);
-            put(" {");
-        }
-    } else {
-        auto it = _useTable.find(&node);
-        if (it != _useTable.end()) {
-            ++it->second.count;
-            if (!forbidNodeUSE()) {
-                put("USE ");
-                put(it->second.name);
-                put('\n');
-                return false;
-            }
-            put("DEF ");
-            put(it->second.name);
+    const std::string* name;
+    unsigned           copy;
+    switch (markNode(node, typeName, name, copy)) {
+    case UsedNode:
+        put("USE ");
+        put(*name);
+        put('\n');
+        return false;
+    case DefinedNode:
+        put("DEF ");
+        put(*name);
+        if (copy) {
             put('_');
-            putInt(it->second.count);
-            put(' ');
-            put(typeName);
-            put(" {");
-        } else {
-            std::string name;
-            if (node.hasName()) {
-                name = node.name();
-            } else {
-                // The ID text starts with the comment character of the file syntax; the
-                // name takes its number.
-                const std::string& id = node.getIDStr();
-                name = "AOPT_" + typeName + "_" + (id[0] == '#' ? id.substr(1) : id);
-            }
-            put("DEF ");
-            put(name);
-            put(' ');
-            put(typeName);
-            put(" {");
-            _useTable.emplace(&node, UseEntry{1, std::move(name)});
+            putInt(copy);
         }
+        put(' ');
+        break;
+    case PlainNode:
+        break;
     }
+    put(typeName);
+    put(" {");
 
     if (writeProcInfo() && node.proc()) {
         std::string info = node.proc()->info();
@@ -172,7 +147,7 @@ bool VRMLWriteAction::beginNode(Node& node)
     put('\n');
 
     if (&ownNameSpace(node) != &node.nameSpace())
-        _routeBagStack.emplace_back();
+        routeBagStack().emplace_back();
     setIndentLevel(indentLevel() + 1);
     return true;
 }
@@ -230,7 +205,7 @@ void VRMLWriteAction::writeDeclaration(const Field& field, FieldStyle style)
 {
     if (!isInterface(style))
         return;
-    put(field.desc() ? field.desc()->partTypeName() : NodePartDesc::partTypeName(field.type()));
+    put(accessName(field.desc() ? field.desc()->partType() : field.type()));
     put(' ');
     put(field.dataTypeName());
     put(' ');
@@ -239,18 +214,8 @@ void VRMLWriteAction::writeDeclaration(const Field& field, FieldStyle style)
 void VRMLWriteAction::writeValue(const Field& field)
 {
     if (field.dataType() == SFStringType) {
-        const std::string& text = valueText(field);
-        put(" \"");
-        std::size_t from = 0;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            if (text[i] == '"' || text[i] == '\\') {
-                put(std::string_view(text).substr(from, i - from));
-                put('\\');
-                from = i;
-            }
-        }
-        put(std::string_view(text).substr(from));
-        put('"');
+        put(' ');
+        putQuoted(valueText(field));
     } else if (field.cardinality() == Field::Multi && field.empty()) {
         put(" []");
     } else if (field.size() < 2) {
@@ -261,6 +226,21 @@ void VRMLWriteAction::writeValue(const Field& field)
         putValue(field);
         put(" ]");
     }
+}
+
+void VRMLWriteAction::putQuoted(std::string_view text)
+{
+    put('"');
+    std::size_t from = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '"' || text[i] == '\\') {
+            put(text.substr(from, i - from));
+            put('\\');
+            from = i;
+        }
+    }
+    put(text.substr(from));
+    put('"');
 }
 
 void VRMLWriteAction::writeField(Field& field, FieldStyle style)
@@ -349,49 +329,12 @@ void VRMLWriteAction::endMFNode(FieldStyle style)
 
 void VRMLWriteAction::writeRoute(Route& route)
 {
-    if (_routeBagStack.empty())
-        _routeBagStack.emplace_back();
-    Node& from = route.outSlot().node();
-    Node& to = route.inSlot().node();
-    if (!from.hasName() || !to.hasName() || isSkipNodeType(from) || isSkipNodeType(to))
-        return;
-    if (route.type() != Route::DEFAULT && !writeInternalRoutes())
-        return;
-    RouteBag& bag = _routeBagStack.back();
-    if (bag.members.insert(&route).second)
-        bag.order.push_back(&route);
+    bagRoute(route);
 }
 
 void VRMLWriteAction::flushRouteBag(bool pop)
 {
-    if (_routeBagStack.empty())
-        return;
-    if (good()) {
-        for (Route* route : _routeBagStack.back().order) {
-            if (route->type() != Route::DEFAULT && !writeInternalRoutes())
-                continue;
-            Node& from = route->outSlot().node();
-            Node& to = route->inSlot().node();
-            if (!from.hasName() || !to.hasName()) {
-                ORV_PLOG("XXX Ignore Route with connects unnamed nodes\n");
-                continue;
-            }
-            const char* fromSlot = route->outSlot().findName();
-            const char* toSlot = route->inSlot().findName();
-            indent();
-            put("ROUTE ");
-            put(from.name());
-            put('.');
-            put(fromSlot ? fromSlot : "");
-            put(" TO ");
-            put(to.name());
-            put('.');
-            put(toSlot ? toSlot : "");
-            put('\n');
-        }
-    }
-    if (pop)
-        _routeBagStack.pop_back();
+    flushRoutes(pop);
 }
 
 void VRMLWriteAction::writeSingleRoute(const char* fromNode, const char* fromField, const char* toNode,
@@ -451,24 +394,9 @@ void VRMLWriteAction::writeImports(Node& node)
     }
 }
 
-void VRMLWriteAction::writeInterface(Field& field, FieldStyle style)
-{
-    if (field.desc() && field.desc()->isNodeField())
-        writeContainerField(field, style, true);
-    else
-        writeField(field, style);
-}
-
 void VRMLWriteAction::writeProto(NodeNameSpace& nameSpace)
 {
-    if (resolveProto() || !_protoWritten.insert(&nameSpace).second)
-        return;
-    std::vector<NodeType*> protos;
-    nameSpace.nodeTypeNameSpace().getTypeVec(protos, 3);
-    // Alias names of a prototype are not declarations of their own; the rest in the order they
-    // were declared, so that a prototype comes before the prototypes whose bodies use it.
-    std::erase_if(protos, [](const NodeType* type) { return type->isAliasOf() != nullptr; });
-    std::sort(protos.begin(), protos.end(), [](const NodeType* a, const NodeType* b) { return a->ID() < b->ID(); });
+    std::vector<NodeType*> protos = prototypesToDeclare(nameSpace);
     if (protos.empty() || !good())
         return;
     indent();
@@ -488,16 +416,12 @@ void VRMLWriteAction::writeProto(NodeNameSpace& nameSpace)
             setIndentLevel(indentLevel() + 1);
             isMapStack().emplace_back();
             for (unsigned i = 0; i < declaration->fieldCount(); ++i)
-                writeInterface(*declaration->field(i), ExternInterfaceStyle);
+                writeInterfaceField(*declaration->field(i), ExternInterfaceStyle);
             setIndentLevel(indentLevel() - 1);
             isMapStack().pop_back();
-            const std::string url = declaration->urls().empty() ? std::string() : declaration->urls().front();
-            const std::string& name = declaration->externName().empty() ? type->name() : declaration->externName();
             indent();
             put("] \"");
-            put(std::string_view(url).substr(0, url.find('#')));
-            put('#');
-            put(name);
+            put(externUrl(*type, *declaration));
             put("\"\n\n");
             continue;
         }
@@ -507,19 +431,9 @@ void VRMLWriteAction::writeProto(NodeNameSpace& nameSpace)
         put(type->name());
         put(" [\n");
         setIndentLevel(indentLevel() + 1);
-        IsMap& links = isMapStack().emplace_back();
-        for (const ProtoDeclaration::IsLink& link : declaration->isLinks()) {
-            Node*               bodyNode = declaration->body().findNode(link.node);
-            Field*              bodyField = bodyNode ? bodyNode->findField(link.partID) : nullptr;
-            const NodePartDesc* interfaceDesc = declaration->fieldDesc(link.field);
-            if (!bodyField || !interfaceDesc) {
-                ORV_WARNING("Invalid IS link in proto desc\n");
-                continue;
-            }
-            links[bodyField] = interfaceDesc;
-        }
+        pushIsLinks(*declaration);
         for (unsigned i = 0; i < declaration->fieldCount(); ++i)
-            writeInterface(*declaration->field(i), InterfaceStyle);
+            writeInterfaceField(*declaration->field(i), InterfaceStyle);
         setIndentLevel(indentLevel() - 1);
         indent();
         put("] {\n");

@@ -45,37 +45,23 @@ public:
 
 protected:
     void writeProto(NodeNameSpace& nameSpace);
+    // The first lines of a document.
+    virtual void writeHeader();
+    // The word of an access type in a declaration.
+    virtual const char* accessName(NodePartType partType) const;
+    // A string in double quotes, with every double quote and backslash escaped by a backslash.
+    void putQuoted(std::string_view text);
 
 private:
-    // The routes of one scope, each once, in the order the walk handed them over (so that the
-    // same scene always gives the same file).
-    struct RouteBag {
-        std::vector<Route*>        order;
-        std::unordered_set<Route*> members;
-    };
-    struct UseEntry {
-        unsigned    count;
-        std::string name;
-    };
-
     // The declaration words of a field in the two interface styles.
     void writeDeclaration(const Field& field, FieldStyle style);
     void writeValue(const Field& field);
     // The common start of an SFNode or MFNode field: pushed on the open fields, style resolved,
     // declaration and name written; false with a failed stream.
     bool openNodeField(Field& field, FieldStyle& style);
-    // An interface entry of a prototype declaration, by its kind of field.
-    void writeInterface(Field& field, FieldStyle style);
-    // The name of a node's own scope: the one its processor reports, else the one it lives in.
-    static NodeNameSpace& ownNameSpace(const Node& node);
 
-    std::deque<RouteBag>                  _routeBagStack;
-    std::unordered_map<Node*, UseEntry>   _useTable;
     std::deque<Field*>                    _openFields;
     std::vector<Field*>                   _deferred;
-    // The namespaces whose prototypes this document declared already: a scope is entered again
-    // after each of its root nodes, but its prototypes are declared once.
-    std::unordered_set<const NodeNameSpace*> _protoWritten;
 };
 
 } // namespace Orvane

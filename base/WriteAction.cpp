@@ -11,7 +11,9 @@
 #include "base/NodePartDesc.h"
 #include "base/NodeProc.h"
 #include "base/NodeType.h"
+#include "base/NodeTypeNameSpace.h"
 #include "base/NumberText.h"
+#include "base/ProtoDeclaration.h"
 #include "base/Route.h"
 #include "base/SFNode.h"
 
@@ -51,6 +53,7 @@
 #include "base/SFVec4d.h"
 #include "base/SFVec4f.h"
 
+#include <algorithm>
 #include <fstream>
 #include <type_traits>
 #include <unordered_map>
@@ -162,6 +165,128 @@ void WriteAction::reset()
     _stream = nullptr;
     _indentLevel = 0;
     setWriteAbstract(true);
+    _sceneHeader = SceneHeader();
+    _routeBagStack.clear();
+    _useTable.clear();
+    _protoWritten.clear();
+}
+
+void WriteAction::copyDocumentState(const WriteAction& other)
+{
+    _routeBagStack = other._routeBagStack;
+    _useTable = other._useTable;
+}
+
+NodeNameSpace& WriteAction::ownNameSpace(const Node& node)
+{
+    NodeNameSpace* own = node.proc() ? node.proc()->ownNameSpace() : nullptr;
+    return own ? *own : node.nameSpace();
+}
+
+WriteAction::NodeMark WriteAction::markNode(Node& node, const std::string& typeName, const std::string*& name,
+                                            unsigned& copy)
+{
+    copy = 0;
+    name = nullptr;
+    if (node.parentCount() < 2) {
+        if (!node.hasName() || (_currentNameSpace && node.isAutoNamed()))
+            return PlainNode;
+        name = &node.name();
+        return DefinedNode;
+    }
+    auto it = _useTable.find(&node);
+    if (it != _useTable.end()) {
+        ++it->second.count;
+        name = &it->second.name;
+        if (!forbidNodeUSE())
+            return UsedNode;
+        copy = it->second.count;
+        return DefinedNode;
+    }
+    std::string label;
+    if (node.hasName()) {
+        label = node.name();
+    } else {
+        // The ID text starts with the comment character of the file syntax; the name takes
+        // its number.
+        const std::string& id = node.getIDStr();
+        label = "AOPT_" + typeName + "_" + (id[0] == '#' ? id.substr(1) : id);
+    }
+    name = &_useTable.emplace(&node, UseEntry{1, std::move(label)}).first->second.name;
+    return DefinedNode;
+}
+
+void WriteAction::bagRoute(Route& route)
+{
+    if (_routeBagStack.empty())
+        _routeBagStack.emplace_back();
+    Node& from = route.outSlot().node();
+    Node& to = route.inSlot().node();
+    if (!from.hasName() || !to.hasName() || isSkipNodeType(from) || isSkipNodeType(to))
+        return;
+    if (route.type() != Route::DEFAULT && !writeInternalRoutes())
+        return;
+    RouteBag& bag = _routeBagStack.back();
+    if (bag.members.insert(&route).second)
+        bag.order.push_back(&route);
+}
+
+void WriteAction::flushRoutes(bool pop)
+{
+    if (_routeBagStack.empty())
+        return;
+    if (good()) {
+        for (Route* route : _routeBagStack.back().order) {
+            if (route->type() != Route::DEFAULT && !writeInternalRoutes())
+                continue;
+            Node& from = route->outSlot().node();
+            Node& to = route->inSlot().node();
+            if (!from.hasName() || !to.hasName()) {
+                ORV_PLOG("XXX Ignore Route with connects unnamed nodes\n");
+                continue;
+            }
+            const char* fromSlot = route->outSlot().findName();
+            const char* toSlot = route->inSlot().findName();
+            writeSingleRoute(from.name().c_str(), fromSlot ? fromSlot : "", to.name().c_str(), toSlot ? toSlot : "");
+        }
+    }
+    if (pop)
+        _routeBagStack.pop_back();
+}
+
+std::vector<NodeType*> WriteAction::prototypesToDeclare(NodeNameSpace& nameSpace)
+{
+    std::vector<NodeType*> protos;
+    if (resolveProto() || !_protoWritten.insert(&nameSpace).second)
+        return protos;
+    nameSpace.nodeTypeNameSpace().getTypeVec(protos, 3);
+    // Alias names of a prototype are not declarations of their own; the rest in the order they
+    // were declared, so that a prototype comes before the prototypes whose bodies use it.
+    std::erase_if(protos, [](const NodeType* type) { return type->isAliasOf() != nullptr; });
+    std::sort(protos.begin(), protos.end(), [](const NodeType* a, const NodeType* b) { return a->ID() < b->ID(); });
+    return protos;
+}
+
+void WriteAction::pushIsLinks(ProtoDeclaration& declaration)
+{
+    IsMap& links = _isMapStack.emplace_back();
+    for (const ProtoDeclaration::IsLink& link : declaration.isLinks()) {
+        Node*               bodyNode = declaration.body().findNode(link.node);
+        Field*              bodyField = bodyNode ? bodyNode->findField(link.partID) : nullptr;
+        const NodePartDesc* interfaceDesc = declaration.fieldDesc(link.field);
+        if (!bodyField || !interfaceDesc) {
+            ORV_WARNING("Invalid IS link in proto desc\n");
+            continue;
+        }
+        links[bodyField] = interfaceDesc;
+    }
+}
+
+std::string WriteAction::externUrl(const NodeType& type, const ProtoDeclaration& declaration)
+{
+    const std::string url = declaration.urls().empty() ? std::string() : declaration.urls().front();
+    const std::string& name = declaration.externName().empty() ? type.name() : declaration.externName();
+    return url.substr(0, url.find('#')) + '#' + name;
 }
 
 void WriteAction::flushBuffer()
@@ -330,6 +455,19 @@ void WriteAction::putValue(const Field& field)
         flushBuffer();
 }
 
+bool WriteAction::isNumeric(const Field& field)
+{
+    return visitNumeric(field, [](const auto&) {});
+}
+
+void WriteAction::writeInterfaceField(Field& field, FieldStyle style)
+{
+    if (field.desc() && field.desc()->isNodeField())
+        writeContainerField(field, style, true);
+    else
+        writeField(field, style);
+}
+
 const std::string& WriteAction::valueText(const Field& field)
 {
     return field.getStrValue(_text);
@@ -421,26 +559,18 @@ void WriteAction::writeNodeFields(Node& node)
     if (!beginNode(node))
         return;
     enter(node);
-    unsigned count = node.partCount();
-    for (unsigned id = 0; id < count; ++id) {
-        Field* field = node.findField(id);
-        if (!field || !field->desc())
-            continue;
-        const NodePartDesc& desc = *field->desc();
-        if ((skipPrivateField() && desc.privateAccess()) || (skipExtField() && desc.objExtension()))
-            continue;
-        FieldStyle style = resolveStyle(*field, DefaultStyle);
-        // A field joined to the prototype interface is written as its IS line at the end.
-        if (style == NormalStyle && getInterfaceDesc(*field))
-            continue;
-        if (desc.isNodeField()) {
-            writeContainerField(*field, style, true);
-            continue;
-        }
-        if (style == NormalStyle && (!isValuePart(desc) || (!writeDefaultValue() && holdsDefault(*field))))
-            continue;
-        writeField(*field, style);
+    if (valuesFirst()) {
+        beginAttrField();
+        writeFieldPass(node, ValuePass);
+        endAttrField();
+        // Only fields beyond the type's own can be declarations.
+        if (node.partCount() > node.type().partCount())
+            writeFieldPass(node, DeclarationPass);
+        writeFieldPass(node, ChildPass);
+    } else {
+        writeFieldPass(node, AllPass);
     }
+    unsigned count = node.partCount();
     for (unsigned id = 0; id < count; ++id) {
         Field* field = node.findField(id);
         EventOutSlot* out = field ? field->getOutSlot(false) : nullptr;
@@ -452,6 +582,38 @@ void WriteAction::writeNodeFields(Node& node)
     }
     leave(node);
     endNode(node);
+}
+
+void WriteAction::writeFieldPass(Node& node, FieldPass pass)
+{
+    unsigned count = node.partCount();
+    for (unsigned id = 0; id < count; ++id) {
+        Field* field = node.findField(id);
+        if (!field || !field->desc())
+            continue;
+        const NodePartDesc& desc = *field->desc();
+        if ((skipPrivateField() && desc.privateAccess()) || (skipExtField() && desc.objExtension()))
+            continue;
+        // The cheap test first: a value pass never takes a node field, a child pass nothing else.
+        if ((pass == ValuePass && desc.isNodeField()) || (pass == ChildPass && !desc.isNodeField()))
+            continue;
+        FieldStyle style = resolveStyle(*field, DefaultStyle);
+        if (pass != AllPass) {
+            FieldPass own = style != NormalStyle ? DeclarationPass : desc.isNodeField() ? ChildPass : ValuePass;
+            if (own != pass)
+                continue;
+        }
+        // A field joined to the prototype interface is written as its IS link.
+        if (style == NormalStyle && getInterfaceDesc(*field))
+            continue;
+        if (desc.isNodeField()) {
+            writeContainerField(*field, style, true);
+            continue;
+        }
+        if (style == NormalStyle && (!isValuePart(desc) || (!writeDefaultValue() && holdsDefault(*field))))
+            continue;
+        writeField(*field, style);
+    }
 }
 
 void WriteAction::writeImportRoutes(NodeNameSpace& nameSpace)

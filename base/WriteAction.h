@@ -2,6 +2,7 @@
 #define ORVANE_BASE_WRITEACTION_H
 
 #include "base/Field.h"
+#include "base/SceneHeader.h"
 #include "base/TraversAction.h"
 
 #include <cstdint>
@@ -12,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace Orvane {
@@ -22,6 +24,7 @@ class Node;
 class NodeNameSpace;
 class NodePartDesc;
 class NodeType;
+class ProtoDeclaration;
 class Route;
 
 // The common machinery of the scene writers: the output stream, the indentation, the IS links of
@@ -116,6 +119,10 @@ public:
     void writeNode(Node& node);
     // The common way, for processors that add to it.
     void writeNodeFields(Node& node);
+    // Which fields one pass of the walk writes: all in slot order, or (with valuesFirst) the
+    // plain values, then the declarations of added fields, then the node-holding fields.
+    enum FieldPass { AllPass, ValuePass, DeclarationPass, ChildPass };
+    void writeFieldPass(Node& node, FieldPass pass);
 
     // One call for a whole scene: the roots, in order, as one document. The answer is whether
     // everything reached the stream.
@@ -123,6 +130,11 @@ public:
     bool writeFile(Node& root, const std::string& fileName);
     bool writeStream(const std::vector<Node*>& roots, std::ostream& stream);
     bool writeStream(Node& root, std::ostream& stream);
+
+    // The header statements that the X3D writers write (profile, components, units, meta,
+    // version); a scene built in code keeps the empty header, written with the defaults.
+    void               setSceneHeader(const SceneHeader& header) { _sceneHeader = header; }
+    const SceneHeader& sceneHeader() const { return _sceneHeader; }
 
     // Whether the last stream that was let go took every byte written to it.
     bool lastStreamGood() const { return _lastStreamGood; }
@@ -148,6 +160,10 @@ protected:
     // Writes the text of a value: the field's own text form, or with writeExactNumbers every
     // float and double in its shortest exact text.
     void putValue(const Field& field);
+    // Whether putValue writes the field's numbers itself (no text that needs quoting).
+    static bool isNumeric(const Field& field);
+    // An interface entry of a prototype declaration, by its kind of field.
+    void writeInterfaceField(Field& field, FieldStyle style);
     // The field's own text form, in the action's scratch text.
     const std::string& valueText(const Field& field);
 
@@ -171,6 +187,43 @@ protected:
     std::deque<IsMap>& isMapStack() { return _isMapStack; }
     void               setCurrentNameSpace(NodeNameSpace* nameSpace) { _currentNameSpace = nameSpace; }
 
+    // Whether the walk writes a node's value fields in a pass of their own, between
+    // beginAttrField and endAttrField, before its declarations and its child nodes (a syntax
+    // whose values sit in the node's start tag). The classic syntax keeps slot order.
+    virtual bool valuesFirst() const { return false; }
+
+    // How a node is introduced, by the DEF/USE table of the document: without name, DEF'd
+    // (a numbered copy when `copy` is not 0, with forbidNodeUSE), or USE'd (no body).
+    enum NodeMark { PlainNode, DefinedNode, UsedNode };
+    NodeMark markNode(Node& node, const std::string& typeName, const std::string*& name, unsigned& copy);
+
+    // The routes of one scope, each once, in the order the walk handed them over (so that the
+    // same scene always gives the same file).
+    struct RouteBag {
+        std::vector<Route*>        order;
+        std::unordered_set<Route*> members;
+    };
+    std::deque<RouteBag>& routeBagStack() { return _routeBagStack; }
+    // writeRoute and flushRouteBag of the text writers: user routes (every route with
+    // writeInternalRoutes) between named nodes, each written through writeSingleRoute.
+    void bagRoute(Route& route);
+    void flushRoutes(bool pop);
+
+    // The prototypes of `nameSpace` to declare, in declaration order, without aliases; empty
+    // with resolveProto or once the scope's declarations were written in this document.
+    std::vector<NodeType*> prototypesToDeclare(NodeNameSpace& nameSpace);
+    void                   forgetDeclaredPrototypes() { _protoWritten.clear(); }
+    // Pushes the IS map of a prototype body; a link to a node or field that the body lacks is
+    // reported and left out.
+    void pushIsLinks(ProtoDeclaration& declaration);
+    // The DEF/USE table and the route bags of another writer's document.
+    void copyDocumentState(const WriteAction& other);
+    // An external prototype's address as written: its first URL without fragment, "#" and the
+    // prototype's name in that file.
+    static std::string externUrl(const NodeType& type, const ProtoDeclaration& declaration);
+    // The name of a node's own scope: the one its processor reports, else the one it lives in.
+    static NodeNameSpace& ownNameSpace(const Node& node);
+
 private:
     static constexpr std::size_t flushSize = 1u << 18;
 
@@ -186,6 +239,16 @@ private:
     // Parsed defaults of the current document, one per descriptor.
     std::unordered_map<const NodePartDesc*, std::unique_ptr<Field>> _defaults;
     bool               _lastStreamGood = true;
+    SceneHeader        _sceneHeader;
+    std::deque<RouteBag> _routeBagStack;
+    struct UseEntry {
+        unsigned    count;
+        std::string name;
+    };
+    std::unordered_map<Node*, UseEntry> _useTable;
+    // The namespaces whose prototypes this document declared already: a scope is entered again
+    // after each of its root nodes, but its prototypes are declared once.
+    std::unordered_set<const NodeNameSpace*> _protoWritten;
 };
 
 } // namespace Orvane

@@ -1,7 +1,8 @@
 // Scene writing: 10,000, 100,000 and 1,000,000 `Transform { Shape { Appearance { Material } Box } }`
 // groups written as classic VRML to memory and to a file, beside a naive writer that formats
 // each line on its own and hands it to the stream with std::endl (one flush, and for a file one
-// system call, per line). And a 1,000,000-point MFVec3f written through the writer, beside
+// system call, per line). The same scenes written as X3D XML, beside the classic writer on the
+// same scene and beside a naive XML writer of the same kind. And a 1,000,000-point MFVec3f written through the writer, beside
 // std::to_chars(fixed, 6) of the same numbers with the same separators, which the writer's text
 // must equal byte for byte.
 #include "base/Field.h"
@@ -17,6 +18,7 @@
 #include "base/SFVec3f.h"
 #include "base/SmartPtr.h"
 #include "base/VRMLWriteAction.h"
+#include "base/X3DWriteAction.h"
 
 #include <benchmark/benchmark.h>
 
@@ -64,6 +66,10 @@ struct Types {
         declare("Points", points, 1);
         for (auto& type : types)
             type->initType();
+        // Where the X3D catalog puts these nodes, so that the XML carries no containerField.
+        types[3]->setContainerField("appearance");
+        types[4]->setContainerField("material");
+        types[5]->setContainerField("geometry");
     }
     void declare(const char* name, NodePartDesc* descs, unsigned count)
     {
@@ -191,40 +197,46 @@ void report(benchmark::State& state, std::size_t bytes, int groups)
                                                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-// The scene into memory, by the writer or by the naive baseline.
-template <bool naive>
-void toMemory(benchmark::State& state, int groups)
+// The scene into memory through `write(stream, root)`.
+template <class Write>
+void toMemory(benchmark::State& state, int groups, Write write)
 {
     Scene&       s = scene(groups);
     MemorySink   sink;
     std::ostream out(&sink);
     for (auto _ : state) {
         sink.reset();
-        if constexpr (naive) {
-            naiveWrite(out, *s.root);
-        } else {
-            VRMLWriteAction writer;
-            writer.writeStream(*s.root, out);
-        }
+        write(out, *s.root);
         benchmark::DoNotOptimize(sink.data().data());
     }
     report(state, sink.data().size(), groups);
 }
-void writeMemory(benchmark::State& state, int groups) { toMemory<false>(state, groups); }
-void naiveMemory(benchmark::State& state, int groups) { toMemory<true>(state, groups); }
+template <class Writer>
+void byWriter(std::ostream& out, Node& root)
+{
+    Writer writer;
+    writer.writeStream(root, out);
+}
+void writeMemory(benchmark::State& state, int groups) { toMemory(state, groups, byWriter<VRMLWriteAction>); }
+void naiveMemory(benchmark::State& state, int groups) { toMemory(state, groups, naiveWrite); }
 
-void writeFile(benchmark::State& state, int groups)
+template <class Writer>
+void toFile(benchmark::State& state, int groups)
 {
     Scene&      s = scene(groups);
     std::string path = filePath();
     for (auto _ : state) {
-        VRMLWriteAction writer;
+        Writer writer;
         if (!writer.writeFile(*s.root, path))
             state.SkipWithError("write failed");
     }
     std::ifstream in(path, std::ios::binary | std::ios::ate);
     report(state, static_cast<std::size_t>(in.tellg()), groups);
     std::remove(path.c_str());
+}
+void writeFile(benchmark::State& state, int groups)
+{
+    toFile<VRMLWriteAction>(state, groups);
 }
 
 void naiveFile(benchmark::State& state, int groups)
@@ -239,6 +251,55 @@ void naiveFile(benchmark::State& state, int groups)
     report(state, static_cast<std::size_t>(in.tellg()), groups);
     std::remove(path.c_str());
 }
+
+// The naive XML writer: an element per node, every value through strValue, std::endl per line.
+void naiveXmlNode(std::ostream& out, Node& node, int level, const char* container)
+{
+    std::string pad(static_cast<std::size_t>(level) * 2, ' ');
+    out << pad << '<' << node.type().name();
+    if (node.type().containerField() != container)
+        out << " containerField='" << container << '\'';
+    std::vector<std::pair<const char*, Node*>> children;
+    for (unsigned id = 0; id < node.partCount(); ++id) {
+        Field* field = node.findField(id);
+        if (!field || !field->desc())
+            continue;
+        if (field->dataType() == SFNodeType) {
+            if (Node* child = static_cast<SFNode*>(field)->node())
+                children.emplace_back(field->desc()->name().c_str(), child);
+        } else if (field->dataType() == MFNodeType) {
+            for (NodeLink& link : *static_cast<MFNode*>(field))
+                children.emplace_back(field->desc()->name().c_str(), link.node());
+        } else if (!field->valueIsDefault()) {
+            out << ' ' << field->desc()->name() << "='" << field->strValue() << '\'';
+        }
+    }
+    if (children.empty()) {
+        out << "/>" << std::endl;
+        return;
+    }
+    out << '>' << std::endl;
+    for (auto& [name, child] : children)
+        naiveXmlNode(out, *child, level + 1, name);
+    out << pad << "</" << node.type().name() << '>' << std::endl;
+}
+
+void naiveXmlWrite(std::ostream& out, Node& root)
+{
+    out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>" << std::endl
+        << "<X3D profile='Immersive' version='4.0'>" << std::endl << "  <Scene>" << std::endl;
+    naiveXmlNode(out, root, 2, "children");
+    out << "  </Scene>" << std::endl << "</X3D>" << std::endl;
+}
+
+// The scene as X3D XML into memory, beside the classic writer on the same scene (its own byte
+// count) and the naive XML writer.
+void xmlMemory(benchmark::State& state, int groups) { toMemory(state, groups, byWriter<X3DWriteAction>); }
+void xmlClassicMemory(benchmark::State& state, int groups) { toMemory(state, groups, byWriter<VRMLWriteAction>); }
+void xmlNaiveMemory(benchmark::State& state, int groups) { toMemory(state, groups, naiveXmlWrite); }
+
+void xmlFile(benchmark::State& state, int groups) { toFile<X3DWriteAction>(state, groups); }
+void xmlClassicFile(benchmark::State& state, int groups) { toFile<VRMLWriteAction>(state, groups); }
 
 // --- the 1,000,000-point MFVec3f ---
 
@@ -330,9 +391,19 @@ void pointsToChars(benchmark::State& state)
     BENCHMARK_CAPTURE(writeFile, label, count)->Name("vrml_file_" #label "/orvane")->Unit(benchmark::kMillisecond);     \
     BENCHMARK_CAPTURE(naiveFile, label, count)->Name("vrml_file_" #label "/naive_endl")->Unit(benchmark::kMillisecond);
 
+#define XML_CASES(label, count)                                                                                     \
+    BENCHMARK_CAPTURE(xmlMemory, label, count)->Name("x3d_memory_" #label "/orvane")->Unit(benchmark::kMillisecond);   \
+    BENCHMARK_CAPTURE(xmlClassicMemory, label, count)->Name("x3d_memory_" #label "/classic_vrml")->Unit(benchmark::kMillisecond); \
+    BENCHMARK_CAPTURE(xmlNaiveMemory, label, count)->Name("x3d_memory_" #label "/naive_endl")->Unit(benchmark::kMillisecond); \
+    BENCHMARK_CAPTURE(xmlFile, label, count)->Name("x3d_file_" #label "/orvane")->Unit(benchmark::kMillisecond);       \
+    BENCHMARK_CAPTURE(xmlClassicFile, label, count)->Name("x3d_file_" #label "/classic_vrml")->Unit(benchmark::kMillisecond);
+
 WRITE_CASES(10k, 10'000)
 WRITE_CASES(100k, 100'000)
 WRITE_CASES(1m, 1'000'000)
+XML_CASES(10k, 10'000)
+XML_CASES(100k, 100'000)
+XML_CASES(1m, 1'000'000)
 
 BENCHMARK(pointsWriter)->Name("mfvec3f_1m_points/orvane")->Unit(benchmark::kMillisecond);
 BENCHMARK(pointsToChars)->Name("mfvec3f_1m_points/to_chars_fixed6")->Unit(benchmark::kMillisecond);

@@ -34,6 +34,7 @@
 #include "base/System.h"
 #include "base/TaskManager.h"
 #include "base/VRMLWriteAction.h"
+#include "base/X3DWriteAction.h"
 #include "modules/x3d/X3DCatalog.h"
 #include "platform/tessil/Thread.h"
 
@@ -265,7 +266,7 @@ void protoDemo()
 
 // ---- end of prototypes ----------------------------------------------------------------------
 
-// ---- Writers: the scene saved as classic VRML and as a component graph ----------------------
+// ---- Writers: the scene saved as classic VRML, as a component graph and as X3D XML ---------
 
 // Prints a file written by the demo, then removes it.
 void printFile(const std::string& path)
@@ -309,15 +310,19 @@ void writerDemo()
     scene->exportNode("SharedBox", "Crate");
 
     std::string dir = std::filesystem::temp_directory_path().string();
-    std::string wrl = dir + "/orvane-demo.wrl", gxd = dir + "/orvane-demo.gxd";
+    std::string wrl = dir + "/orvane-demo.wrl", gxd = dir + "/orvane-demo.gxd", x3d = dir + "/orvane-demo.x3d";
     VRMLWriteAction vrml;
     GXDWriteAction  graph;
+    X3DWriteAction  xml;
     bool vrmlDone = vrml.writeFile(*root, wrl);
     bool graphDone = graph.writeFile(*root, gxd);
+    bool xmlDone = xml.writeFile(*root, x3d);
     std::printf("\nThe scene written as classic VRML (%s):\n", vrmlDone ? "written" : "failed");
     printFile(wrl);
     std::printf("\nThe same scene as a component graph (%s):\n", graphDone ? "written" : "failed");
     printFile(gxd);
+    std::printf("\nThe same scene as X3D in its XML encoding (%s):\n", xmlDone ? "written" : "failed");
+    printFile(x3d);
 }
 
 // ---- end of writers -------------------------------------------------------------------------

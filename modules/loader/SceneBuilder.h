@@ -2,6 +2,7 @@
 #define ORVANE_MODULES_LOADER_SCENEBUILDER_H
 
 #include "base/Node.h"
+#include "base/SceneHeader.h"
 #include "base/SmartPtr.h"
 #include "modules/loader/LoaderExport.h"
 
@@ -22,17 +23,6 @@ struct LoadError {
     int         line = 0;
     int         column = 0;
     std::string message;
-};
-
-// What a scene file says about itself besides its nodes.
-struct SceneHeader {
-    std::string encoding;  // "VRML" or "X3D"
-    std::string version;   // "2.0", "3.3", ...
-    std::string charset;   // "utf8"
-    std::string profile;
-    std::vector<std::pair<std::string, int>>         components;  // name, level
-    std::vector<std::vector<std::string>>            units;       // category, name, factor
-    std::vector<std::pair<std::string, std::string>> meta;        // name, content
 };
 
 // Makes a scene from what a front end has parsed, whatever its syntax: nodes through their

@@ -3,9 +3,11 @@
 #include "base/Context.h"
 #include "base/Log.h"
 #include "base/MFNode.h"
+#include "base/MFString.h"
 #include "base/NodeNameSpace.h"
 #include "base/Observer.h"
 #include "base/ProtoLibrary.h"
+#include "base/SFString.h"
 #include "base/Subject.h"
 #include "base/WriteAction.h"
 #include "modules/loader/ClassicReader.h"
@@ -14,6 +16,9 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <list>
+#include <sstream>
 #include <ostream>
 
 namespace Orvane {
@@ -101,13 +106,48 @@ LoadedScene SceneLoader::load(const std::string& url)
     return loadData(std::move(data), url);
 }
 
+SceneHeader SceneLoader::header(const Node& root)
+{
+    SceneHeader header;
+    auto text = [&](const char* name) {
+        auto* field = dynamic_cast<const SFString*>(root.findField(std::string(name)));
+        return field ? field->value() : std::string();
+    };
+    auto list = [&](const char* name) {
+        auto* field = dynamic_cast<const MFString*>(root.findField(std::string(name)));
+        return field ? field->value() : std::list<std::string>();
+    };
+    header.encoding = text("encoding");
+    header.version = text("version");
+    header.charset = "utf8";
+    header.profile = text("profile");
+    for (const std::string& component : list("components")) {
+        auto colon = component.rfind(':');
+        if (colon != std::string::npos)
+            header.components.emplace_back(component.substr(0, colon), std::atoi(component.c_str() + colon + 1));
+    }
+    for (const std::string& unit : list("units")) {
+        std::istringstream words(unit);
+        std::vector<std::string> parts(3);
+        if (words >> parts[0] >> parts[1] >> parts[2])
+            header.units.push_back(std::move(parts));
+    }
+    for (const NodeNameSpace::MetaData& meta : root.nameSpace().metaDataVec())
+        header.meta.emplace_back(meta.name, meta.content);
+    return header;
+}
+
 bool SceneLoader::write(Node& root, WriteAction& writer, std::ostream& out)
 {
     auto* children = dynamic_cast<MFNode*>(root.findField(std::string("children")));
+    writer.setSceneHeader(header(root));
     writer.begin(out, "");
-    for (unsigned i = 0, n = children ? children->size() : 0; i < n; ++i)
-        if (Node* node = children->childNode(static_cast<int>(i)))
+    // A prototype instance at the top is written as itself unless the writer resolves them.
+    for (unsigned i = 0, n = children ? children->size() : 0; i < n; ++i) {
+        const NodeLink& link = children->elem(static_cast<int>(i));
+        if (Node* node = writer.resolveProto() ? link.node() : link.directNode())
             writer.writeNode(*node);
+    }
     writer.writeExports(root.nameSpace());
     writer.end();
     return static_cast<bool>(out);

@@ -42,8 +42,11 @@ public:
     static LoadedScene loadData(std::string data, const std::string& url);
 
     // Writes a loaded scene's top-level nodes (with its prototypes, routes and exports) through
-    // `writer`, as a file of the writer's kind. False when the stream failed.
+    // `writer`, as a file of the writer's kind, with the scene's own header statements. False
+    // when the stream failed.
     static bool write(Node& root, WriteAction& writer, std::ostream& out);
+    // The header statements that a loaded scene's root keeps.
+    static SceneHeader header(const Node& root);
 
     // Registers the "loadContext" observer and the prototype resolver (done once, when the
     // library is loaded; calling it again does nothing).

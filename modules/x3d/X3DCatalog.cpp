@@ -116,6 +116,8 @@ X3DCatalog::X3DCatalog(NodeTypeNameSpace& nameSpace) : _nameSpace(&nameSpace)
                                       concrete ? &Node::createNode : nullptr, concrete ? &Node::createProc : nullptr,
                                       first, fact.fieldCount);
         forEachName(fact.additional, [type](const std::string& name) { type->addAdditionalParent(name.c_str()); });
+        if (concrete)
+            type->setContainerField(fact.containerField);
         _index.emplace(type, i);
         _types.emplace_back(type);
     }

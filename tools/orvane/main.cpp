@@ -1,5 +1,7 @@
 // orvane: reads VRML 2.0 / X3D classic scene files (gzip-compressed or not).
-//   orvane convert IN [-o OUT] [--graph] [--exact]   write the scene as VRML 2.0 (or a graph)
+//   orvane convert IN [-o OUT] [--to x3d|x3dv|wrl|graph] [--graph] [--exact]
+//       write the scene in the encoding that OUT's name says (.x3d X3D XML, .x3dv X3D classic,
+//       .wrl or anything else VRML 2.0), or that --to says; standard output is VRML 2.0
 //   orvane info IN                                   header, nodes, names, routes, prototypes
 // "-" is standard input or output. Exit status: 0 read without errors, 1 read with errors
 // (listed on standard error as file:line:column: message), 2 not read at all.
@@ -14,6 +16,8 @@
 #include "base/Field.h"
 #include "base/Route.h"
 #include "base/VRMLWriteAction.h"
+#include "base/X3DClassicWriteAction.h"
+#include "base/X3DWriteAction.h"
 #include "modules/loader/SceneLoader.h"
 
 #include <cstdio>
@@ -31,7 +35,7 @@ namespace {
 
 int usage()
 {
-    std::fprintf(stderr, "usage: orvane convert IN [-o OUT] [--graph] [--exact]\n"
+    std::fprintf(stderr, "usage: orvane convert IN [-o OUT] [--to x3d|x3dv|wrl|graph] [--graph] [--exact]\n"
                          "       orvane info IN\n"
                          "IN and OUT may be '-' for standard input and output.\n");
     return 2;
@@ -62,15 +66,23 @@ int report(const LoadedScene& scene, const std::string& in)
     return scene.errors.empty() ? 0 : 1;
 }
 
+bool endsWith(const std::string& text, const char* suffix)
+{
+    std::size_t n = std::strlen(suffix);
+    return text.size() >= n && text.compare(text.size() - n, n, suffix) == 0;
+}
+
 int convert(int argc, char** argv)
 {
-    std::string in, out = "-";
-    bool graph = false, exact = false;
+    std::string in, out = "-", to;
+    bool exact = false;
     for (int i = 0; i < argc; ++i) {
         if (!std::strcmp(argv[i], "-o") && i + 1 < argc)
             out = argv[++i];
+        else if (!std::strcmp(argv[i], "--to") && i + 1 < argc)
+            to = argv[++i];
         else if (!std::strcmp(argv[i], "--graph"))
-            graph = true;
+            to = "graph";
         else if (!std::strcmp(argv[i], "--exact"))
             exact = true;
         else if (in.empty() && (argv[i][0] != '-' || !std::strcmp(argv[i], "-")))
@@ -78,16 +90,23 @@ int convert(int argc, char** argv)
         else
             return usage();
     }
-    if (in.empty())
+    if (to.empty())
+        to = endsWith(out, ".x3d") ? "x3d" : endsWith(out, ".x3dv") ? "x3dv" : "wrl";
+    if (in.empty() || (to != "x3d" && to != "x3dv" && to != "wrl" && to != "graph"))
         return usage();
     LoadedScene scene = readScene(in);
     int status = report(scene, in);
     if (!scene.readable())
         return status;
 
-    VRMLWriteAction vrml;
-    GXDWriteAction  gxd;
-    WriteAction&    writer = graph ? static_cast<WriteAction&>(gxd) : vrml;
+    VRMLWriteAction       vrml;
+    X3DClassicWriteAction x3dv;
+    X3DWriteAction        x3d;
+    GXDWriteAction        gxd;
+    WriteAction&          writer = to == "graph" ? static_cast<WriteAction&>(gxd)
+                                   : to == "x3d"  ? static_cast<WriteAction&>(x3d)
+                                   : to == "x3dv" ? static_cast<WriteAction&>(x3dv)
+                                                  : vrml;
     writer.setWriteExactNumbers(exact);
     bool written;
     if (out == "-") {
