@@ -10,6 +10,7 @@
 #include "base/Route.h"
 #include "base/VRMLWriteAction.h"
 #include "modules/loader/SceneLoader.h"
+#include "tests/loader/SceneSupport.h"
 #include "tests/support/LogCapture.h"
 
 #include <gtest/gtest.h>
@@ -21,45 +22,6 @@ using namespace Orvane;
 using namespace Orvane::Test;
 
 namespace {
-
-std::string data(const char* name)
-{
-    return std::string(ORVANE_TEST_DATA) + "/" + name;
-}
-
-std::string write(Node& root)
-{
-    VRMLWriteAction    writer;
-    std::ostringstream out;
-    EXPECT_TRUE(SceneLoader::write(root, writer, out));
-    return out.str();
-}
-
-// What makes two scenes equal here: nodes by type, DEF names with their types, routes.
-std::multiset<std::string> shape(Node& root)
-{
-    std::multiset<std::string> out;
-    std::vector<Node*> nodes;
-    root.nameSpace().fillNodeVec(nodes);
-    for (Node* node : nodes)
-        out.insert(node->type().name() + (node->hasName() && !node->isAutoNamed() ? " " + node->name() : ""));
-    std::vector<Route*> routes;
-    Route::fillRouteVec(routes, &root.nameSpace(), Route::DEFAULT);
-    for (Route* r : routes)
-        out.insert("ROUTE " + r->outSlot().field().owner().name() + "." + r->outSlot().field().findName() + " " +
-                   r->inSlot().field().owner().name() + "." + r->inSlot().field().findName());
-    return out;
-}
-
-Node* named(const LoadedScene& scene, const char* name)
-{
-    return scene.root->nameSpace().findNode(name);
-}
-
-std::string text(Node& node, const char* field)
-{
-    return node.findField(std::string(field))->strValue();
-}
 
 class ClassicReaderTest : public ::testing::TestWithParam<const char*> {};
 
