@@ -87,6 +87,9 @@ private:
     Place place(const pugi::xml_node& e) const { return place(e.name() - 1); }
     Place place(const pugi::xml_attribute& a) const { return place(a.name()); }
     void  unexpected(const pugi::xml_node& e, const char* where);
+    // Calls `use` on each child element of `e` named `wanted`; others are reported.
+    template <class Use>
+    void  each(const pugi::xml_node& e, const char* wanted, Use use);
 
     bool  header(const pugi::xml_node& x3d);
     void  headStatement(const pugi::xml_node& e);
@@ -124,6 +127,19 @@ Place Walker::place(const char* at) const
 void Walker::unexpected(const pugi::xml_node& e, const char* where)
 {
     _builder.error(place(e), std::string("unexpected element '") + e.name() + "' in " + where);
+}
+
+template <class Use>
+void Walker::each(const pugi::xml_node& e, const char* wanted, Use use)
+{
+    for (pugi::xml_node c = e.first_child(); c; c = c.next_sibling()) {
+        if (c.type() != pugi::node_element)
+            continue;
+        if (is(c.name(), wanted))
+            use(c);
+        else
+            unexpected(c, e.name());
+    }
 }
 
 bool Walker::read()
@@ -345,16 +361,10 @@ void Walker::externProto(const pugi::xml_node& e)
     if (!decl)
         return;
     // Its interface has no values and no nodes: no walk needed.
-    for (pugi::xml_node f = e.first_child(); f; f = f.next_sibling()) {
-        if (f.type() != pugi::node_element)
-            continue;
-        if (!is(f.name(), "field")) {
-            unexpected(f, "ExternProtoDeclare");
-            continue;
-        }
+    each(e, "field", [&](const pugi::xml_node& f) {
         _builder.addProtoField(*decl, text(f.attribute("accessType")), text(f.attribute("type")),
                                text(f.attribute("name")), nullptr, place(f));
-    }
+    });
 }
 
 bool Walker::node(const pugi::xml_node& e, Frame& out)
@@ -467,19 +477,13 @@ void Walker::links(Node& node, const pugi::xml_node& isElement)
 {
     if (&node.type() == &SceneBuilder::unknownNodeType())
         return;  // its fields are text; nothing to link
-    for (pugi::xml_node c = isElement.first_child(); c; c = c.next_sibling()) {
-        if (c.type() != pugi::node_element)
-            continue;
-        if (!is(c.name(), "connect")) {
-            unexpected(c, "IS");
-            continue;
-        }
+    each(isElement, "connect", [&](const pugi::xml_node& c) {
         pugi::xml_attribute nodeField = c.attribute("nodeField"), protoField = c.attribute("protoField");
         if (!nodeField || !protoField)
             _builder.error(place(c), "connect needs nodeField and protoField");
         else
             _builder.isLink(node, text(nodeField), text(protoField), place(c));
-    }
+    });
 }
 
 void Walker::source(Frame& frame)
