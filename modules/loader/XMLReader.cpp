@@ -83,9 +83,9 @@ private:
         return f;
     }
 
-    Place place(const char* at) const;
-    Place place(const pugi::xml_node& e) const { return place(e.name() - 1); }
-    Place place(const pugi::xml_attribute& a) const { return place(a.name()); }
+    Place place(const char* at);
+    Place place(const pugi::xml_node& e) { return place(e.name() - 1); }
+    Place place(const pugi::xml_attribute& a) { return place(a.name()); }
     void  unexpected(const pugi::xml_node& e, const char* where);
     // Calls `use` on each child element of `e` named `wanted`; others are reported.
     template <class Use>
@@ -110,17 +110,24 @@ private:
     SceneBuilder&              _builder;
     std::string&               _buffer;
     std::vector<std::uint32_t> _newlines;  // offsets of the line feeds, taken before parsing
+    std::size_t                _line = 0;  // the line of the last place, as an index into _newlines
     std::string                _scratch;
 };
 
-Place Walker::place(const char* at) const
+Place Walker::place(const char* at)
 {
     const char* begin = _buffer.data();
     if (at < begin || at > begin + _buffer.size())
         return {0, 0};
     const auto offset = static_cast<std::uint32_t>(at - begin);
-    const auto line = std::lower_bound(_newlines.begin(), _newlines.end(), offset) - _newlines.begin();
-    const std::uint32_t start = line == 0 ? 0 : _newlines[static_cast<std::size_t>(line) - 1] + 1;
+    // The walk goes forward through the document: the line is looked for from the last one.
+    std::size_t line = _line;
+    if (line > 0 && offset <= _newlines[line - 1])
+        line = static_cast<std::size_t>(std::lower_bound(_newlines.begin(), _newlines.end(), offset) - _newlines.begin());
+    while (line < _newlines.size() && _newlines[line] < offset)
+        ++line;
+    _line = line;
+    const std::uint32_t start = line == 0 ? 0 : _newlines[line - 1] + 1;
     return {static_cast<int>(line) + 1, static_cast<int>(offset - start) + 1};
 }
 
@@ -178,11 +185,18 @@ bool Walker::read()
     stack.reserve(XMLReader::MaxDepth + 1);
     stack.push_back(frame(x3d, Kind::Root));
     stack.back().child = x3d.first_child();
+    // Elements done with are taken out of the document as the walk goes: the parser's memory
+    // pages are given back as they empty and the scene's nodes reuse them, so that a large
+    // document does not hold its whole tree beside its whole scene. Only elements without
+    // children left are taken out, so that no removal recurses.
     while (!stack.empty()) {
         Frame& top = stack.back();
         if (!top.child) {
+            pugi::xml_node done = top.element;
             close(top, stack.size() > 1 ? &stack[stack.size() - 2] : nullptr);
             stack.pop_back();
+            if (!stack.empty() && !done.first_child())
+                stack.back().element.remove_child(done);
             continue;
         }
         pugi::xml_node e = top.child;
@@ -201,6 +215,8 @@ bool Walker::read()
             if (!next.use)
                 next.child = e.first_child();
             stack.push_back(std::move(next));
+        } else if (!e.first_child() && top.is != e) {
+            top.element.remove_child(e);
         }
     }
     return true;
