@@ -84,7 +84,13 @@ private:
     }
 
     Place place(const char* at);
-    Place place(const pugi::xml_node& e) { return place(e.name() - 1); }
+    // An element's place is its "<", just before its name.
+    Place place(const pugi::xml_node& e)
+    {
+        Place p = place(e.name());
+        p.column -= p.column > 1;
+        return p;
+    }
     Place place(const pugi::xml_attribute& a) { return place(a.name()); }
     void  unexpected(const pugi::xml_node& e, const char* where);
     // Calls `use` on each child element of `e` named `wanted`; others are reported.
