@@ -97,7 +97,7 @@ TEST(ClassicReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
     LogCapture  log;
     LoadedScene scene = SceneLoader::load(data("classic-errors.wrl"));
     ASSERT_TRUE(scene.readable());
-    const std::vector<std::tuple<int, int, std::string>> expected = {
+    const std::vector<Fault> expected = {
         {4, 5, "unknown node type 'Frobnicator'"},
         {5, 33, "value does not fit SFVec3f field Box.size"},
         {6, 37, "unknown field 'nosuchfield' in Appearance"},
@@ -110,21 +110,15 @@ TEST(ClassicReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
         {16, 18, "missing ']' for this list"},
         {16, 7, "missing '}' for this Group node"},
     };
-    std::vector<std::tuple<int, int, std::string>> found;
-    for (const LoadError& e : scene.errors)
-        found.emplace_back(e.line, e.column, e.message);
-    EXPECT_EQ(found, expected);
+    EXPECT_EQ(faults(scene), expected);
     const std::string path = data("classic-errors.wrl");
     EXPECT_TRUE(log.contains(path + ":9:1: USE of unknown name 'Missing'\n", LOG_WARNING));
     // The rest is there: later nodes, and the unknown node with its fields as text.
     EXPECT_NE(named(scene, "Last"), nullptr);
-    std::vector<Node*> nodes;
-    scene.root->nameSpace().fillNodeVec(nodes);
-    bool unknownKept = false;
-    for (Node* node : nodes)
-        if (node->type().name() == "UnknownNode" && text(*node, "typeName") == "Frobnicator")
-            unknownKept = text(*node, "label") == "\"kept\"" && text(*node, "weight") == "3.000000";
-    EXPECT_TRUE(unknownKept);
+    Node* odd = unknownNode(scene, "Frobnicator");
+    ASSERT_NE(odd, nullptr);
+    EXPECT_EQ(text(*odd, "label"), "\"kept\"");
+    EXPECT_EQ(text(*odd, "weight"), "3.000000");
     // Written back, it reads again with its fields.
     VRMLWriteAction    writer;
     std::ostringstream out;

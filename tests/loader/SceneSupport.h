@@ -16,6 +16,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace Orvane::Test {
@@ -57,6 +58,27 @@ inline Node* named(const LoadedScene& scene, const char* name)
 inline std::string text(Node& node, const char* field)
 {
     return node.findField(std::string(field))->strValue();
+}
+
+// The faults of a load as line, column, message.
+using Fault = std::tuple<int, int, std::string>;
+inline std::vector<Fault> faults(const LoadedScene& scene)
+{
+    std::vector<Fault> out;
+    for (const LoadError& e : scene.errors)
+        out.emplace_back(e.line, e.column, e.message);
+    return out;
+}
+
+// The node kept for an unknown type, null when there is none.
+inline Node* unknownNode(const LoadedScene& scene, const char* typeName)
+{
+    std::vector<Node*> nodes;
+    scene.root->nameSpace().fillNodeVec(nodes);
+    for (Node* node : nodes)
+        if (node->type().name() == "UnknownNode" && text(*node, "typeName") == typeName)
+            return node;
+    return nullptr;
 }
 
 } // namespace Orvane::Test

@@ -117,7 +117,7 @@ TEST(XMLReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
     LogCapture  log;
     LoadedScene scene = SceneLoader::load(data("xml-errors.x3d"));
     ASSERT_TRUE(scene.readable());
-    const std::vector<std::tuple<int, int, std::string>> expected = {
+    const std::vector<Fault> expected = {
         {23, 46, "malformed XML: Start-end tags mismatch"},
         {5, 7, "unknown node type 'Frobnicator'"},
         {6, 19, "value does not fit SFVec3f field Box.size"},
@@ -134,22 +134,16 @@ TEST(XMLReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
         {20, 20, "IS outside a PROTO body"},
         {21, 12, "text in a Group node, which takes no source code"},
     };
-    std::vector<std::tuple<int, int, std::string>> found;
-    for (const LoadError& e : scene.errors)
-        found.emplace_back(e.line, e.column, e.message);
-    EXPECT_EQ(found, expected);
+    EXPECT_EQ(faults(scene), expected);
     EXPECT_TRUE(log.contains(data("xml-errors.x3d") + ":10:5: USE of unknown name 'Missing'\n", LOG_WARNING));
     // The rest is there, the unknown element with its fields as text and its child.
     EXPECT_NE(named(scene, "Last"), nullptr);
     EXPECT_NE(named(scene, "Inside"), nullptr);
-    std::vector<Node*> nodes;
-    scene.root->nameSpace().fillNodeVec(nodes);
-    bool unknownKept = false;
-    for (Node* node : nodes)
-        if (node->type().name() == "UnknownNode" && text(*node, "typeName") == "Frobnicator")
-            unknownKept = text(*node, "label") == "kept" && text(*node, "weight") == "3.000000" &&
-                          node->findField(std::string("children"))->size() == 1;
-    EXPECT_TRUE(unknownKept);
+    Node* odd = unknownNode(scene, "Frobnicator");
+    ASSERT_NE(odd, nullptr);
+    EXPECT_EQ(text(*odd, "label"), "kept");
+    EXPECT_EQ(text(*odd, "weight"), "3.000000");
+    EXPECT_EQ(odd->findField(std::string("children"))->size(), 1u);
 }
 
 TEST(XMLReader, NotAnX3DDocumentIsUnreadable)
