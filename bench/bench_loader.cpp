@@ -1,11 +1,14 @@
 // Scene reading: a file with one 1,000,000-point Coordinate read by the classic reader, beside
 // std::from_chars over the same 3,000,000 numbers (the bare number parsing any reader must do);
 // and files of 10,000, 100,000 and 1,000,000 `Transform { Shape { Appearance { Material } Box } }`
-// groups, in MB/s and microseconds per group.
+// groups, in MB/s and microseconds per group. The same scenes as X3D XML (".x3d") read by the XML
+// reader, beside pugixml's bare parse of the same bytes (with a walk over every attribute) and the
+// classic reader on the same scene as X3D classic text (".x3dv").
 #include "base/Log.h"
 #include "modules/loader/SceneLoader.h"
 
 #include <benchmark/benchmark.h>
+#include <pugixml.hpp>
 
 #include <charconv>
 #include <cstdio>
@@ -105,11 +108,157 @@ void groupsReader(benchmark::State& state)
                                                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
+// --- the same scenes in the X3D encodings ---
+
+enum class Encoding { Xml, Classic };
+
+std::string pointsText(Encoding encoding)
+{
+    std::mt19937                          random(7);
+    std::uniform_real_distribution<float> value(-1000.0f, 1000.0f);
+    std::string out = encoding == Encoding::Xml
+                          ? "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<X3D profile=\"Interchange\" version=\"4.0\">"
+                            "<Scene><Shape><PointSet><Coordinate point=\""
+                          : "#X3D V4.0 utf8\nPROFILE Interchange\nShape { geometry PointSet { coord Coordinate { point [\n";
+    char        buffer[64];
+    for (int i = 0; i < 1000000; ++i) {
+        int n = std::snprintf(buffer, sizeof buffer, "%.6g %.6g %.6g,\n", value(random), value(random), value(random));
+        out.append(buffer, static_cast<std::size_t>(n));
+    }
+    out += encoding == Encoding::Xml ? "\"/></PointSet></Shape></Scene></X3D>\n" : "] } } }\n";
+    return out;
+}
+
+const std::string& pointsText(int encoding)
+{
+    static const std::string xml = pointsText(Encoding::Xml), classic = pointsText(Encoding::Classic);
+    return encoding == 0 ? xml : classic;
+}
+
+std::string groupsText(Encoding encoding, int groups)
+{
+    const bool  xml = encoding == Encoding::Xml;
+    std::string out = xml ? "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<X3D profile=\"Interchange\" version=\"4.0\">"
+                            "<Scene>\n"
+                          : "#X3D V4.0 utf8\nPROFILE Interchange\n";
+    char buffer[256];
+    for (int i = 0; i < groups; ++i) {
+        int n = std::snprintf(buffer, sizeof buffer,
+                              xml ? "<Transform translation=\"%d 0 0\"><Shape>\n"
+                                    "  <Appearance><Material diffuseColor=\"0.8 0.2 0.1\"/></Appearance>\n"
+                                    "  <Box size=\"1 2 3\"/></Shape></Transform>\n"
+                                  : "Transform { translation %d 0 0 children Shape {\n"
+                                    "  appearance Appearance { material Material { diffuseColor 0.8 0.2 0.1 } }\n"
+                                    "  geometry Box { size 1 2 3 } } }\n",
+                              i);
+        out.append(buffer, static_cast<std::size_t>(n));
+    }
+    if (xml)
+        out += "</Scene></X3D>\n";
+    return out;
+}
+
+void readScene(benchmark::State& state, const std::string& text, const char* url)
+{
+    quiet();
+    for (auto _ : state) {
+        LoadedScene scene = SceneLoader::loadData(text, url);
+        if (!scene.errors.empty())
+            state.SkipWithError("the scene read with errors");
+        benchmark::DoNotOptimize(scene.root.get());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(text.size()) * state.iterations());
+}
+
+// The parser alone: a copy of the bytes (as the reader gets one), parsed in place, and every
+// attribute value looked at once.
+void bareParse(benchmark::State& state, const std::string& text)
+{
+    for (auto _ : state) {
+        std::string         buffer = text;
+        pugi::xml_document  doc;
+        const unsigned      options = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute |
+                                 pugi::parse_eol | pugi::parse_doctype;
+        if (!doc.load_buffer_inplace(buffer.data(), buffer.size(), options, pugi::encoding_utf8))
+            state.SkipWithError("pugixml refused the document");
+        std::size_t sum = 0;
+        for (pugi::xml_node n = doc.document_element(); n;) {
+            for (pugi::xml_attribute a = n.first_attribute(); a; a = a.next_attribute())
+                sum += static_cast<unsigned char>(a.value()[0]);
+            if (n.first_child())
+                n = n.first_child();
+            else {
+                while (n && !n.next_sibling())
+                    n = n.parent();
+                if (n)
+                    n = n.next_sibling();
+            }
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(text.size()) * state.iterations());
+}
+
+void perGroup(benchmark::State& state, int groups)
+{
+    state.counters["us_per_group"] = benchmark::Counter(double(groups) * double(state.iterations()) / 1e6,
+                                                        benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void xmlPointsReader(benchmark::State& state)
+{
+    readScene(state, pointsText(0), "points.x3d");
+}
+
+void xmlPointsBareParse(benchmark::State& state)
+{
+    bareParse(state, pointsText(0));
+}
+
+void xmlPointsClassic(benchmark::State& state)
+{
+    readScene(state, pointsText(1), "points.x3dv");
+}
+
+void xmlGroupsReader(benchmark::State& state)
+{
+    const int groups = static_cast<int>(state.range(0));
+    readScene(state, groupsText(Encoding::Xml, groups), "groups.x3d");
+    perGroup(state, groups);
+}
+
+void xmlGroupsBareParse(benchmark::State& state)
+{
+    const int groups = static_cast<int>(state.range(0));
+    bareParse(state, groupsText(Encoding::Xml, groups));
+    perGroup(state, groups);
+}
+
+void xmlGroupsClassic(benchmark::State& state)
+{
+    const int groups = static_cast<int>(state.range(0));
+    readScene(state, groupsText(Encoding::Classic, groups), "groups.x3dv");
+    perGroup(state, groups);
+}
+
 } // namespace
 
 BENCHMARK(pointsReader)->Name("coordinate_1m_points/orvane")->Unit(benchmark::kMillisecond);
 BENCHMARK(pointsFromChars)->Name("coordinate_1m_points/from_chars")->Unit(benchmark::kMillisecond);
 BENCHMARK(groupsReader)->Name("transform_groups/orvane")->Arg(10000)->Arg(100000)->Arg(1000000)
     ->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(1);
+
+BENCHMARK(xmlPointsReader)->Name("x3d_coordinate_1m_points/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK(xmlPointsBareParse)->Name("x3d_coordinate_1m_points/pugixml_parse")->Unit(benchmark::kMillisecond);
+BENCHMARK(xmlPointsClassic)->Name("x3d_coordinate_1m_points/classic_x3dv")->Unit(benchmark::kMillisecond);
+BENCHMARK(xmlGroupsReader)->Name("x3d_transform_groups/orvane")->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(xmlGroupsBareParse)->Name("x3d_transform_groups/pugixml_parse")->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(xmlGroupsClassic)->Name("x3d_transform_groups/classic_x3dv")->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(xmlGroupsReader)->Name("x3d_transform_groups/orvane")->Arg(1000000)->Unit(benchmark::kMillisecond)
+    ->Iterations(1)->Repetitions(1);
+BENCHMARK(xmlGroupsBareParse)->Name("x3d_transform_groups/pugixml_parse")->Arg(1000000)->Unit(benchmark::kMillisecond)
+    ->Iterations(1)->Repetitions(1);
+BENCHMARK(xmlGroupsClassic)->Name("x3d_transform_groups/classic_x3dv")->Arg(1000000)->Unit(benchmark::kMillisecond)
+    ->Iterations(1)->Repetitions(1);
 
 BENCHMARK_MAIN();

@@ -222,10 +222,8 @@ bool ClassicReader::header()
     } else if (line.substr(0, 6) == "#X3D V") {
         h.encoding = "X3D";
         words(line.substr(6));
-        static const char* versions[] = {"3.0", "3.1", "3.2", "3.3", "4.0", "4.1"};
-        for (const char* v : versions)
-            if (h.version == v)
-                return true;
+        if (SceneBuilder::isX3DVersion(h.version))
+            return true;
     }
     _builder.error({1, 1}, "no '#VRML V2.0 utf8' or '#X3D V3.0 utf8' (to V4.1) header: not a scene file");
     return false;
@@ -463,6 +461,7 @@ void ClassicReader::fieldValue(Node& node, Field& field, int depth)
 void ClassicReader::nodeValues(Node& node, Field& field, int depth)
 {
     Token t = peek();
+    _builder.clearNodes(field);
     if (t.kind == OpenBracket && field.dataType() == MFNodeType) {
         next();
         for (;;) {

@@ -334,6 +334,14 @@ bool SceneBuilder::addChild(Node& parent, Field& field, Node& child, Place place
     return placed;
 }
 
+void SceneBuilder::clearNodes(Field& field)
+{
+    if (field.dataType() == SFNodeType)
+        static_cast<SFNode&>(field).setNode(nullptr);
+    else if (field.dataType() == MFNodeType)
+        static_cast<MFNode&>(field).clear();
+}
+
 Field* SceneBuilder::findField(Node& node, std::string_view name, Place place)
 {
     _text.assign(name);
@@ -343,16 +351,67 @@ Field* SceneBuilder::findField(Node& node, std::string_view name, Place place)
     return field;
 }
 
-bool SceneBuilder::setValue(Field& field, std::string_view text, Place place)
+bool SceneBuilder::setValue(Field& field, std::string_view text, Place place, bool terminated)
 {
+    if (field.dataType() == SFNodeType || field.dataType() == MFNodeType) {
+        error(place, "field " + fieldLabel(field) + " holds nodes, not a value");
+        return false;
+    }
     if (!fits(field.dataTypeName(), text)) {
         error(place, "value does not fit " + field.dataTypeName() + " field " + fieldLabel(field));
         return false;
+    }
+    if (terminated) {
+        field.setValueByStr(0.0, text.data());
+        return true;
     }
     // The setters read NUL-terminated text; most values are short, long lists are copied once.
     _text.assign(text);
     field.setValueByStr(0.0, _text.c_str());
     return true;
+}
+
+Field* SceneBuilder::containerField(Node& parent, Node& child, std::string_view given, Place place)
+{
+    std::string_view name = given;
+    if (name.empty()) {
+        const char* byType = X3DCatalog::init().containerField(child.type());
+        name = byType && *byType ? byType : "children";
+    }
+    if (isUnknown(parent.type()))
+        return addUnknownField(parent, name, std::string_view(), true, place);
+    _text.assign(name);
+    Field* field = parent.findField(_text);
+    if (!field)
+        error(place, "no field '" + _text + "' in " + parent.type().name() + " for a " + child.type().name() +
+                         " node (containerField)");
+    return field;
+}
+
+bool SceneBuilder::addSource(Node& node, std::string_view code, Place place)
+{
+    const std::string& type = node.type().name();
+    auto* url = dynamic_cast<MFString*>(node.findField(std::string("url")));
+    if (!url || (type != "Script" && type != "ShaderPart" && type != "ShaderProgram")) {
+        error(place, "text in a " + type + " node, which takes no source code");
+        return false;
+    }
+    while (!code.empty() && isSeparator(code.front()) && code.front() != ',')
+        code.remove_prefix(1);
+    while (!code.empty() && isSeparator(code.back()) && code.back() != ',')
+        code.remove_suffix(1);
+    if (!code.empty())
+        url->addValue(std::string(code));
+    return true;
+}
+
+bool SceneBuilder::isX3DVersion(std::string_view version)
+{
+    static const char* versions[] = {"3.0", "3.1", "3.2", "3.3", "4.0", "4.1"};
+    for (const char* v : versions)
+        if (version == v)
+            return true;
+    return false;
 }
 
 Field* SceneBuilder::addUnknownField(Node& node, std::string_view name, std::string_view text, bool holdsNodes,

@@ -59,11 +59,23 @@ public:
     // Places `child` at the top of the current scope, or in `field` of `parent`.
     bool  addRoot(Node& child, Place place);
     bool  addChild(Node& parent, Field& field, Node& child, Place place);
+    // Node values a file gives for a field replace what it held (a prototype instance starts with
+    // its interface's nodes): called before the first of them.
+    void  clearNodes(Field& field);
     // The field `name` of `node`; null after an error when there is none.
     Field* findField(Node& node, std::string_view name, Place place);
-    // Sets `field` from value text [begin, end) in its text form (strings unquoted for SFString).
-    // Values that do not fit the field type are refused after an error.
-    bool   setValue(Field& field, std::string_view text, Place place);
+    // Sets `field` from value text in its text form (strings unquoted for SFString). Values that
+    // do not fit the field type, and text for a field that holds nodes, are refused after an
+    // error. `terminated`: a NUL follows the text, so the setter reads it where it lies.
+    bool   setValue(Field& field, std::string_view text, Place place, bool terminated = false);
+    // The field of `parent` that `child` goes in where the syntax names it by containerField:
+    // `given` when not empty, else the default of the child's type ("children" for prototype
+    // instances and unknown types). An unknown parent grows a node field of that name. Null
+    // after an error when the parent has no such field.
+    Field* containerField(Node& parent, Node& child, std::string_view given, Place place);
+    // Inline source code (the text content of a Script or shader element): one more entry of the
+    // node's url field, without the blanks around it. False after an error for other nodes.
+    bool   addSource(Node& node, std::string_view code, Place place);
     // A field of an unknown node, kept as text: its type is guessed from the text.
     Field* addUnknownField(Node& node, std::string_view name, std::string_view text, bool holdsNodes, Place place);
     // An interface declaration on a Script (or other extensible) node.
@@ -87,6 +99,9 @@ public:
     bool inProtoBody() const { return !_scopes.empty() && _scopes.back().proto; }
     // `field` of `node` IS interface field `interfaceName` of the innermost prototype.
     bool isLink(Node& node, std::string_view field, std::string_view interfaceName, Place place);
+
+    // The X3D versions read: 3.0 to 4.1.
+    static bool isX3DVersion(std::string_view version);
 
     // The scene: a root node of type "SceneRoot" whose "children" hold the top-level nodes and
     // whose fields keep the header statements. Null once taken.

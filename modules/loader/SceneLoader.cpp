@@ -11,6 +11,7 @@
 #include "base/Subject.h"
 #include "base/WriteAction.h"
 #include "modules/loader/ClassicReader.h"
+#include "modules/loader/XMLReader.h"
 #include "platform/pordane/URL.h"
 
 #include <zlib.h>
@@ -27,6 +28,23 @@ bool SceneLoader::isGzip(const std::string& content)
 {
     return content.size() >= 2 && static_cast<unsigned char>(content[0]) == 0x1f &&
            static_cast<unsigned char>(content[1]) == 0x8b;
+}
+
+bool SceneLoader::isXml(std::string_view content)
+{
+    std::size_t i = content.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;  // a UTF-8 byte order mark
+    for (;;) {
+        while (i < content.size() && (content[i] == ' ' || content[i] == '\t' || content[i] == '\r' || content[i] == '\n'))
+            ++i;
+        if (content.compare(i, 4, "<!--") != 0)
+            break;
+        std::size_t end = content.find("-->", i + 4);
+        if (end == std::string_view::npos)
+            return false;
+        i = end + 3;
+    }
+    const std::string_view rest = content.substr(std::min(i, content.size()));
+    return rest.substr(0, 5) == "<?xml" || rest.substr(0, 4) == "<X3D" || rest.substr(0, 9) == "<!DOCTYPE";
 }
 
 bool SceneLoader::inflate(std::string& content)
@@ -85,8 +103,7 @@ LoadedScene SceneLoader::loadData(std::string data, const std::string& url)
         return scene;
     }
     SceneBuilder builder(url);
-    ClassicReader reader(builder);
-    const bool read = reader.read(data);
+    const bool   read = isXml(data) ? XMLReader(builder).read(data) : ClassicReader(builder).read(data);
     scene.header = builder.header();
     scene.errors = builder.errors();
     SmartPtr<Node> root = builder.finish();

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvane {
@@ -20,8 +21,8 @@ struct LoadedScene {
     bool readable() const { return root != nullptr; }
 };
 
-// Reads scene files: plain or gzip-compressed (known by their first bytes, not their names),
-// classic VRML 2.0 / X3D classic text. While the library is loaded it observes "loadContext"
+// Reads scene files: plain or gzip-compressed, classic VRML 2.0 / X3D classic text or the X3D
+// XML encoding (all known by their content, not their names). While the library is loaded it observes "loadContext"
 // (so that Context::load and createContextVec read files) and resolves EXTERNPROTO URLs for the
 // prototype library.
 class ORVANE_LOADER_API SceneLoader {
@@ -36,6 +37,9 @@ public:
     // Decompresses gzip data in place; other data is left alone. False for broken gzip data.
     static bool inflate(std::string& content);
     static bool isGzip(const std::string& content);
+    // Whether (uncompressed) content is XML: "<?xml", "<X3D" or "<!DOCTYPE" first, after a byte
+    // order mark, blanks and comments.
+    static bool isXml(std::string_view content);
 
     static LoadedScene load(const std::string& url);
     // `data` read as the content of `url` (compressed or not).

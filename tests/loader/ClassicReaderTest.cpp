@@ -10,6 +10,7 @@
 #include "base/Route.h"
 #include "base/VRMLWriteAction.h"
 #include "modules/loader/SceneLoader.h"
+#include "tests/loader/SceneSupport.h"
 #include "tests/support/LogCapture.h"
 
 #include <gtest/gtest.h>
@@ -21,45 +22,6 @@ using namespace Orvane;
 using namespace Orvane::Test;
 
 namespace {
-
-std::string data(const char* name)
-{
-    return std::string(ORVANE_TEST_DATA) + "/" + name;
-}
-
-std::string write(Node& root)
-{
-    VRMLWriteAction    writer;
-    std::ostringstream out;
-    EXPECT_TRUE(SceneLoader::write(root, writer, out));
-    return out.str();
-}
-
-// What makes two scenes equal here: nodes by type, DEF names with their types, routes.
-std::multiset<std::string> shape(Node& root)
-{
-    std::multiset<std::string> out;
-    std::vector<Node*> nodes;
-    root.nameSpace().fillNodeVec(nodes);
-    for (Node* node : nodes)
-        out.insert(node->type().name() + (node->hasName() && !node->isAutoNamed() ? " " + node->name() : ""));
-    std::vector<Route*> routes;
-    Route::fillRouteVec(routes, &root.nameSpace(), Route::DEFAULT);
-    for (Route* r : routes)
-        out.insert("ROUTE " + r->outSlot().field().owner().name() + "." + r->outSlot().field().findName() + " " +
-                   r->inSlot().field().owner().name() + "." + r->inSlot().field().findName());
-    return out;
-}
-
-Node* named(const LoadedScene& scene, const char* name)
-{
-    return scene.root->nameSpace().findNode(name);
-}
-
-std::string text(Node& node, const char* field)
-{
-    return node.findField(std::string(field))->strValue();
-}
 
 class ClassicReaderTest : public ::testing::TestWithParam<const char*> {};
 
@@ -80,6 +42,10 @@ TEST_P(ClassicReaderTest, ReadsWritesAndReadsBackTheSame)
 
 INSTANTIATE_TEST_SUITE_P(Scenes, ClassicReaderTest,
                          ::testing::Values("classic-all.wrl", "classic-x3d.x3dv", "classic-x3d-gz.bin"));
+// XML scenes, written back as VRML, read by the classic reader into the same scene.
+INSTANTIATE_TEST_SUITE_P(XMLScenes, ClassicReaderTest,
+                         ::testing::Values("xml-nodes.x3d", "xml-protos.x3d", "xml-script.x3d", "both.x3d",
+                                           "both-x3d-gz.bin"));
 
 TEST(ClassicReader, ValuesSharingPrototypesAndScripts)
 {
@@ -131,7 +97,7 @@ TEST(ClassicReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
     LogCapture  log;
     LoadedScene scene = SceneLoader::load(data("classic-errors.wrl"));
     ASSERT_TRUE(scene.readable());
-    const std::vector<std::tuple<int, int, std::string>> expected = {
+    const std::vector<Fault> expected = {
         {4, 5, "unknown node type 'Frobnicator'"},
         {5, 33, "value does not fit SFVec3f field Box.size"},
         {6, 37, "unknown field 'nosuchfield' in Appearance"},
@@ -144,21 +110,15 @@ TEST(ClassicReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
         {16, 18, "missing ']' for this list"},
         {16, 7, "missing '}' for this Group node"},
     };
-    std::vector<std::tuple<int, int, std::string>> found;
-    for (const LoadError& e : scene.errors)
-        found.emplace_back(e.line, e.column, e.message);
-    EXPECT_EQ(found, expected);
+    EXPECT_EQ(faults(scene), expected);
     const std::string path = data("classic-errors.wrl");
     EXPECT_TRUE(log.contains(path + ":9:1: USE of unknown name 'Missing'\n", LOG_WARNING));
     // The rest is there: later nodes, and the unknown node with its fields as text.
     EXPECT_NE(named(scene, "Last"), nullptr);
-    std::vector<Node*> nodes;
-    scene.root->nameSpace().fillNodeVec(nodes);
-    bool unknownKept = false;
-    for (Node* node : nodes)
-        if (node->type().name() == "Frobnicator" && SceneBuilder::isUnknown(node->type()))
-            unknownKept = text(*node, "label") == "\"kept\"" && text(*node, "weight") == "3.000000";
-    EXPECT_TRUE(unknownKept);
+    Node* odd = unknownNode(scene, "Frobnicator");
+    ASSERT_NE(odd, nullptr);
+    EXPECT_EQ(text(*odd, "label"), "\"kept\"");
+    EXPECT_EQ(text(*odd, "weight"), "3.000000");
     // Written back under its own name, it reads again the same (its type still unknown) and
     // writes the same bytes.
     VRMLWriteAction    writer;

@@ -1,0 +1,14 @@
+// Any bytes as an X3D XML document (the reader is chosen by content, so inputs that do not look
+// like XML are made to): never a crash, a leak or a hang, and what was read writes out as VRML.
+#include "fuzz/LoadAndWrite.h"
+
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    std::string text(reinterpret_cast<const char*>(data), size);
+    if (!Orvane::SceneLoader::isXml(text))
+        text.insert(0, "<X3D version='4.0'>");
+    Orvane::Fuzz::loadAndWrite(std::move(text), "fuzz.x3d");
+    return 0;
+}

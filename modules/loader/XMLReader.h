@@ -1,0 +1,31 @@
+#ifndef ORVANE_MODULES_LOADER_XMLREADER_H
+#define ORVANE_MODULES_LOADER_XMLREADER_H
+
+#include "modules/loader/SceneBuilder.h"
+
+#include <string>
+
+namespace Orvane {
+
+// The front end for the X3D XML encoding (".x3d"). The whole document is parsed in place, in the
+// buffer it is given, and then walked without recursion; everything it finds goes to a
+// SceneBuilder. Nothing is fetched: the DTD a DOCTYPE names is not read and entities a document
+// declares are not expanded (their references stay as text). Faults are reported through the
+// builder as file:line:column and reading goes on.
+class ORVANE_LOADER_API XMLReader {
+public:
+    // Elements nested deeper than this are an error and skipped with what they hold.
+    static constexpr int MaxDepth = 200;
+
+    explicit XMLReader(SceneBuilder& builder);
+    // Reads the whole (uncompressed) document; `text` is parsed in place and is changed. False
+    // when it is no X3D scene at all (no X3D root element with a version from 3.0 to 4.1).
+    bool read(std::string& text);
+
+private:
+    SceneBuilder& _builder;
+};
+
+} // namespace Orvane
+
+#endif
