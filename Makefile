@@ -12,6 +12,8 @@ demo: setup
 	./build/default/examples/demo
 	@echo; echo "orvane convert examples/scenes/lamps.wrl:"
 	./build/default/tools/orvane/orvane convert examples/scenes/lamps.wrl
+	@echo; echo "orvane convert examples/scenes/lamps.x3d --to x3dv:"
+	./build/default/tools/orvane/orvane convert examples/scenes/lamps.x3d --to x3dv
 
 test: setup
 	cmake --preset default

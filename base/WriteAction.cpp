@@ -16,6 +16,7 @@
 #include "base/ProtoDeclaration.h"
 #include "base/Route.h"
 #include "base/SFNode.h"
+#include "base/SFString.h"
 
 #include "base/MFColor.h"
 #include "base/MFColorRGBA.h"
@@ -476,6 +477,9 @@ const std::string& WriteAction::valueText(const Field& field)
 bool WriteAction::holdsDefault(const Field& field)
 {
     const NodePartDesc* desc = field.desc();
+    // The empty text is the text form of the empty string: such a string is at its default.
+    if (desc && desc->defaultValue().empty() && field.dataType() == SFStringType)
+        return static_cast<const SFString&>(field).value().empty();
     // Node fields and lists keep the field's own test; a single value with a default text is
     // compared with that default parsed once per descriptor and document, not once per node.
     if (!desc || desc->defaultValue().empty() || field.cardinality() != Field::Single || desc->isNodeField())
