@@ -98,13 +98,18 @@ void VRMLWriteAction::end()
     resetStream();
 }
 
+void VRMLWriteAction::writePrototypes(NodeNameSpace& nameSpace)
+{
+    if (&nameSpace == currentNameSpace())
+        return;
+    setCurrentNameSpace(&nameSpace);
+    writeProto(nameSpace);
+    setCurrentNameSpace(&nameSpace);
+}
+
 bool VRMLWriteAction::beginNode(Node& node)
 {
-    if (&node.nameSpace() != currentNameSpace()) {
-        setCurrentNameSpace(&node.nameSpace());
-        writeProto(node.nameSpace());
-        setCurrentNameSpace(&node.nameSpace());
-    }
+    writePrototypes(node.nameSpace());
     const std::string& typeName = writtenType(node).name();
     if (!good())
         return true;

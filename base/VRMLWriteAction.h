@@ -42,6 +42,7 @@ public:
     void writeRoute(Route& route) override;
     void writeExports(NodeNameSpace& nameSpace) override;
     void writeImports(Node& node) override;
+    void writePrototypes(NodeNameSpace& nameSpace) override;
 
 protected:
     void writeProto(NodeNameSpace& nameSpace);

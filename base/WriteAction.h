@@ -80,6 +80,9 @@ public:
     virtual void writeRoute(Route& route) = 0;
     virtual void writeExports(NodeNameSpace& nameSpace) = 0;
     virtual void writeImports(Node& node) = 0;
+    // The prototype declarations of `nameSpace`, where the writer has any; a scene without
+    // nodes (a prototype library) has no node to bring them out.
+    virtual void writePrototypes(NodeNameSpace&) {}
 
     // Options.
     bool useTAB() const { return option(UseTAB); }

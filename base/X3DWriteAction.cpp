@@ -335,13 +335,18 @@ void X3DWriteAction::end()
 
 // --- nodes ---
 
+void X3DWriteAction::writePrototypes(NodeNameSpace& nameSpace)
+{
+    if (&nameSpace == currentNameSpace())
+        return;
+    setCurrentNameSpace(&nameSpace);
+    writeProto(nameSpace);
+    setCurrentNameSpace(&nameSpace);
+}
+
 bool X3DWriteAction::beginNode(Node& node)
 {
-    if (&node.nameSpace() != currentNameSpace()) {
-        setCurrentNameSpace(&node.nameSpace());
-        writeProto(node.nameSpace());
-        setCurrentNameSpace(&node.nameSpace());
-    }
+    writePrototypes(node.nameSpace());
     const NodeType& type = writtenType(node);
     if (!good())
         return true;

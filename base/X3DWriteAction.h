@@ -49,6 +49,7 @@ public:
     void writeRoute(Route& route) override;
     void writeExports(NodeNameSpace& nameSpace) override;
     void writeImports(Node& node) override;
+    void writePrototypes(NodeNameSpace& nameSpace) override;
 
 protected:
     bool valuesFirst() const override { return true; }

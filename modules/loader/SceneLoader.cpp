@@ -159,6 +159,7 @@ bool SceneLoader::write(Node& root, WriteAction& writer, std::ostream& out)
     auto* children = dynamic_cast<MFNode*>(root.findField(std::string("children")));
     writer.setSceneHeader(header(root));
     writer.begin(out, "");
+    writer.writePrototypes(root.nameSpace());
     // A prototype instance at the top is written as itself unless the writer resolves them.
     for (unsigned i = 0, n = children ? children->size() : 0; i < n; ++i) {
         const NodeLink& link = children->elem(static_cast<int>(i));

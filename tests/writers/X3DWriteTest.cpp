@@ -11,6 +11,7 @@
 #include "base/X3DWriteAction.h"
 #include "modules/loader/SceneLoader.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/X3DDocuments.h"
 
 #include <gtest/gtest.h>
 
@@ -21,53 +22,9 @@
 #include <sstream>
 
 using namespace Orvane;
+using Orvane::Test::Documents;
 
 namespace {
-
-// Every XML document of the run, validated at its end.
-class Documents : public ::testing::Environment {
-public:
-    static Documents& the()
-    {
-        static Documents* documents = static_cast<Documents*>(::testing::AddGlobalTestEnvironment(new Documents));
-        return *documents;
-    }
-
-    void keep(const std::string& text)
-    {
-        if (_dir.empty()) {
-            _dir = std::filesystem::temp_directory_path() / ("orvane-x3d-" + std::to_string(::getpid()));
-            std::filesystem::create_directories(_dir);
-        }
-        std::string path = (_dir / ("doc" + std::to_string(_files.size()) + ".x3d")).string();
-        std::ofstream(path, std::ios::binary) << text;
-        _files.push_back(path);
-    }
-
-    void TearDown() override
-    {
-        if (_files.empty())
-            return;
-        if (!std::filesystem::exists(ORVANE_X3D_SCHEMA) || std::system("command -v xmllint >/dev/null") != 0) {
-            std::printf("X3D schema (%s) or xmllint not found: %zu written documents not validated\n",
-                        ORVANE_X3D_SCHEMA, _files.size());
-        } else {
-            std::string log = (_dir / "xmllint.log").string();
-            std::string command = "xmllint --noout --nonet --schema '" + std::string(ORVANE_X3D_SCHEMA) + "'";
-            for (const std::string& file : _files)
-                command += " '" + file + "'";
-            if (std::system((command + " 2>'" + log + "'").c_str()) != 0) {
-                std::ifstream in(log);
-                ADD_FAILURE() << "written X3D is not valid:\n" << in.rdbuf();
-            }
-        }
-        std::filesystem::remove_all(_dir);
-    }
-
-private:
-    std::filesystem::path    _dir;
-    std::vector<std::string> _files;
-};
 
 LoadedScene load(const std::string& text)
 {
