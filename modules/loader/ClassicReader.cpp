@@ -15,7 +15,9 @@ namespace {
 
 bool isSpace(char c)
 {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == ',' || c == '\f' || c == '\v';
+    // Blank, tab, line feed, vertical tab, form feed, carriage return, or a comma.
+    const auto u = static_cast<unsigned char>(c);
+    return u == ',' || (u <= ' ' && ((0x100003E00ull >> u) & 1u));
 }
 
 bool endsWord(char c)
@@ -104,6 +106,39 @@ ClassicReader::Token ClassicReader::next()
     }
     token.text = _src.substr(start, _pos - start);
     return token;
+}
+
+bool ClassicReader::plainList(std::string_view& out)
+{
+    // The common case of a long list, numbers up to the closing bracket with no comment or
+    // string among them, in one pass; anything else is left to the token walk.
+    std::size_t pos = _pos, lineStart = _lineStart, begin = std::string_view::npos, end = 0;
+    int         line = _line;
+    while (pos < _src.size()) {
+        const char c = _src[pos];
+        if (c == ']') {
+            _pos = pos + 1;
+            _line = line;
+            _lineStart = lineStart;
+            out = begin == std::string_view::npos ? std::string_view() : _src.substr(begin, end - begin);
+            return true;
+        }
+        if (c == '\n') {
+            ++line;
+            lineStart = ++pos;
+        } else if (isSpace(c)) {
+            ++pos;
+        } else if (endsWord(c)) {
+            return false;  // a comment, a string or a brace
+        } else {
+            if (begin == std::string_view::npos)
+                begin = pos;
+            while (pos < _src.size() && !endsWord(_src[pos]))
+                ++pos;
+            end = pos;
+        }
+    }
+    return false;
 }
 
 ClassicReader::Token ClassicReader::peek()
@@ -383,8 +418,11 @@ bool ClassicReader::valueText(bool single, bool isString, std::string_view& out,
         _builder.error(t.place, "missing value before " + quote(t.text));
         return false;
     }
-    if (bracketed)
+    if (bracketed) {
         next();
+        if (!isString && plainList(out))
+            return true;
+    }
     _commentSeen = false;
     const State first = save();
     std::size_t begin = std::string_view::npos, end = 0;

@@ -64,6 +64,9 @@ private:
     // Value text of a non-node field type: a bracketed list or a run of value words, or a string.
     // Returns false (after an error) when there is no value.
     bool  valueText(bool single, bool isString, std::string_view& out, SceneBuilder::Place& place);
+    // A bracketed list of plain words after its '[', up to and past its ']'; false (nothing
+    // consumed) when the list holds anything else.
+    bool  plainList(std::string_view& out);
     bool  urlList(std::vector<std::string>& urls);
     void  skipValue();
     void  skipBlock(TokenKind open, TokenKind close);

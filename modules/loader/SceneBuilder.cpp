@@ -62,37 +62,37 @@ bool isDigitText(char c)
     return (c >= '0' && c <= '9');
 }
 
-// A number as the text setters read it: decimal with optional sign, fraction and exponent, or
-// (for integers) hexadecimal.
-bool isNumber(std::string_view t, bool integer)
+// The length of the number at the start of [p, end) as the text setters read it: decimal with
+// optional sign, fraction and exponent, or (for integers) hexadecimal; 0 when there is none.
+std::size_t numberLength(const char* p, const char* end, bool integer)
 {
-    std::size_t i = 0;
-    if (i < t.size() && (t[i] == '+' || t[i] == '-'))
+    const char* i = p;
+    if (i < end && (*i == '+' || *i == '-'))
         ++i;
-    if (integer && t.size() > i + 2 && t[i] == '0' && (t[i + 1] == 'x' || t[i + 1] == 'X')) {
-        for (i += 2; i < t.size(); ++i)
-            if (!std::isxdigit(static_cast<unsigned char>(t[i])))
-                return false;
-        return true;
+    if (integer && end - i > 2 && i[0] == '0' && (i[1] == 'x' || i[1] == 'X')) {
+        const char* digits = i += 2;
+        while (i < end && std::isxdigit(static_cast<unsigned char>(*i)))
+            ++i;
+        return i == digits ? 0 : static_cast<std::size_t>(i - p);
     }
     bool digits = false;
-    while (i < t.size() && isDigitText(t[i]))
+    while (i < end && isDigitText(*i))
         ++i, digits = true;
-    if (!integer && i < t.size() && t[i] == '.')
-        for (++i; i < t.size() && isDigitText(t[i]); ++i)
+    if (!integer && i < end && *i == '.')
+        for (++i; i < end && isDigitText(*i); ++i)
             digits = true;
     if (!digits)
-        return false;
-    if (!integer && i < t.size() && (t[i] == 'e' || t[i] == 'E')) {
+        return 0;
+    if (!integer && i < end && (*i == 'e' || *i == 'E')) {
         ++i;
-        if (i < t.size() && (t[i] == '+' || t[i] == '-'))
+        if (i < end && (*i == '+' || *i == '-'))
             ++i;
-        if (i >= t.size() || !isDigitText(t[i]))
-            return false;
-        while (i < t.size() && isDigitText(t[i]))
+        if (i >= end || !isDigitText(*i))
+            return 0;
+        while (i < end && isDigitText(*i))
             ++i;
     }
-    return i == t.size();
+    return static_cast<std::size_t>(i - p);
 }
 
 enum class Kind { Number, Integer, Bool, Other };
@@ -115,7 +115,9 @@ const Shape shapes[] = {
 
 bool isSeparator(char c)
 {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == ',' || c == '\f' || c == '\v';
+    // Blank, tab, line feed, vertical tab, form feed, carriage return, or a comma.
+    const auto u = static_cast<unsigned char>(c);
+    return u == ',' || (u <= ' ' && ((0x100003E00ull >> u) & 1u));
 }
 
 // Whether value text fits a field of the given type name ("SFVec3f"): the right kind and number
@@ -141,21 +143,29 @@ bool fits(const std::string& typeName, std::string_view text)
     if (!shape)
         return true;
     std::size_t words = 0, width = 0, height = 0;
-    for (std::size_t i = 0; i < text.size();) {
-        while (i < text.size() && isSeparator(text[i]))
-            ++i;
-        if (i >= text.size())
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    for (;;) {
+        while (p < end && isSeparator(*p))
+            ++p;
+        if (p >= end)
             break;
-        std::size_t start = i;
-        while (i < text.size() && !isSeparator(text[i]))
-            ++i;
-        std::string_view word = text.substr(start, i - start);
-        bool ok = shape->kind == Kind::Bool ? (word == "TRUE" || word == "FALSE" || word == "true" || word == "false")
-                                            : isNumber(word, shape->kind == Kind::Integer);
-        if (!ok)
-            return false;
-        if (shape->count == 0 && words < 2)
-            (words == 0 ? width : height) = std::strtoul(std::string(word).c_str(), nullptr, 0);
+        const char* start = p;
+        if (shape->kind == Kind::Bool) {
+            while (p < end && !isSeparator(*p))
+                ++p;
+            const std::string_view word(start, static_cast<std::size_t>(p - start));
+            if (word != "TRUE" && word != "FALSE" && word != "true" && word != "false")
+                return false;
+        } else {
+            // One pass per number: its text, then a separator or the end.
+            const std::size_t length = numberLength(p, end, shape->kind == Kind::Integer);
+            p += length;
+            if (!length || (p < end && !isSeparator(*p)))
+                return false;
+            if (shape->count == 0 && words < 2)
+                (words == 0 ? width : height) = std::strtoul(std::string(start, p).c_str(), nullptr, 0);
+        }
         ++words;
     }
     if (shape->count == 0)  // an image: width, height, components, then width * height pixels

@@ -163,4 +163,23 @@ TEST(ClassicReader, ContextLoadReadsThroughTheObserver)
     context->exit();
 }
 
+TEST(ClassicReader, ListsAcrossLinesKeepLaterPlaces)
+{
+    LogCapture        log;
+    const std::string text = "#VRML V2.0 utf8\n"
+                             "Shape { geometry IndexedFaceSet { coord Coordinate { point [\n"
+                             " 0 0 0,\n"
+                             " 1 0 0, 1 1 x ] } } }\n"
+                             "Shape { geometry PointSet { coord Coordinate { point [ 0 0 0 # first\n"
+                             " 1 1 1 ] } } }\n"
+                             "Shape { geometry PointSet { coord Coordinate { point [ 0 0 0\n"
+                             " 1 1 1 ] } } }\n"
+                             "Bogus { }\n";
+    LoadedScene scene = SceneLoader::loadData(text, "lists.wrl");
+    const std::vector<Fault> expected = {{2, 60, "value does not fit MFVec3f field Coordinate.point"},
+                                         {9, 1, "unknown node type 'Bogus'"}};
+    EXPECT_EQ(faults(scene), expected);
+}
+
 } // namespace
+
