@@ -13,17 +13,31 @@ namespace Orvane {
 
 namespace {
 
-bool isSpace(char c)
+constexpr bool isSpace(char c)
 {
     // Blank, tab, line feed, vertical tab, form feed, carriage return, or a comma.
     const auto u = static_cast<unsigned char>(c);
     return u == ',' || (u <= ' ' && ((0x100003E00ull >> u) & 1u));
 }
 
-bool endsWord(char c)
+constexpr bool endsWord(char c)
 {
     return isSpace(c) || c == '#' || c == '"' || c == '{' || c == '}' || c == '[' || c == ']';
 }
+
+// What a byte is to a list scan.
+enum ListByte : unsigned char { WordByte, SpaceByte, LineByte, StopByte, CloseByte };
+struct ListBytes {
+    ListByte of[256];
+    constexpr ListBytes() : of()
+    {
+        for (int c = 0; c < 256; ++c)
+            of[c] = c == '\n' ? LineByte : c == ']' ? CloseByte : isSpace(static_cast<char>(c)) ? SpaceByte
+                                                    : endsWord(static_cast<char>(c))        ? StopByte
+                                                                                             : WordByte;
+    }
+};
+constexpr ListBytes listBytes;
 
 bool isAccessWord(std::string_view w)
 {
@@ -114,28 +128,31 @@ bool ClassicReader::plainList(std::string_view& out)
     // string among them, in one pass; anything else is left to the token walk.
     std::size_t pos = _pos, lineStart = _lineStart, begin = std::string_view::npos, end = 0;
     int         line = _line;
+    const auto byte = [this](std::size_t at) { return listBytes.of[static_cast<unsigned char>(_src[at])]; };
     while (pos < _src.size()) {
-        const char c = _src[pos];
-        if (c == ']') {
+        switch (byte(pos)) {
+        case CloseByte:
             _pos = pos + 1;
             _line = line;
             _lineStart = lineStart;
             out = begin == std::string_view::npos ? std::string_view() : _src.substr(begin, end - begin);
             return true;
-        }
-        if (c == '\n') {
+        case LineByte:
             ++line;
             lineStart = ++pos;
-        } else if (isSpace(c)) {
+            break;
+        case SpaceByte:
             ++pos;
-        } else if (endsWord(c)) {
+            break;
+        case StopByte:
             return false;  // a comment, a string or a brace
-        } else {
+        case WordByte:
             if (begin == std::string_view::npos)
                 begin = pos;
-            while (pos < _src.size() && !endsWord(_src[pos]))
-                ++pos;
+            while (++pos < _src.size() && byte(pos) == WordByte) {
+            }
             end = pos;
+            break;
         }
     }
     return false;
