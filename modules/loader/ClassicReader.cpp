@@ -13,16 +13,9 @@ namespace Orvane {
 
 namespace {
 
-constexpr bool isSpace(char c)
-{
-    // Blank, tab, line feed, vertical tab, form feed, carriage return, or a comma.
-    const auto u = static_cast<unsigned char>(c);
-    return u == ',' || (u <= ' ' && ((0x100003E00ull >> u) & 1u));
-}
-
 constexpr bool endsWord(char c)
 {
-    return isSpace(c) || c == '#' || c == '"' || c == '{' || c == '}' || c == '[' || c == ']';
+    return SceneBuilder::isSeparator(c) || c == '#' || c == '"' || c == '{' || c == '}' || c == '[' || c == ']';
 }
 
 // What a byte is to a list scan.
@@ -31,10 +24,17 @@ struct ListBytes {
     ListByte of[256];
     constexpr ListBytes() : of()
     {
-        for (int c = 0; c < 256; ++c)
-            of[c] = c == '\n' ? LineByte : c == ']' ? CloseByte : isSpace(static_cast<char>(c)) ? SpaceByte
-                                                    : endsWord(static_cast<char>(c))        ? StopByte
-                                                                                             : WordByte;
+        for (int c = 0; c < 256; ++c) {
+            const char byte = static_cast<char>(c);
+            if (byte == '\n')
+                of[c] = LineByte;
+            else if (byte == ']')
+                of[c] = CloseByte;
+            else if (SceneBuilder::isSeparator(byte))
+                of[c] = SpaceByte;
+            else
+                of[c] = endsWord(byte) ? StopByte : WordByte;
+        }
     }
 };
 constexpr ListBytes listBytes;
@@ -69,7 +69,7 @@ void ClassicReader::skipSpace()
             ++_pos;
             ++_line;
             _lineStart = _pos;
-        } else if (isSpace(c)) {
+        } else if (SceneBuilder::isSeparator(c)) {
             ++_pos;
         } else if (c == '#') {
             _commentSeen = true;

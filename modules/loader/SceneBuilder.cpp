@@ -113,13 +113,6 @@ const Shape shapes[] = {
     {"Plane", 4, Kind::Number},    {"Image", 0, Kind::Integer},
 };
 
-bool isSeparator(char c)
-{
-    // Blank, tab, line feed, vertical tab, form feed, carriage return, or a comma.
-    const auto u = static_cast<unsigned char>(c);
-    return u == ',' || (u <= ' ' && ((0x100003E00ull >> u) & 1u));
-}
-
 // Whether value text fits a field of the given type name ("SFVec3f"): the right kind and number
 // of words. Strings, nodes and types without a fixed shape are left to their setters.
 bool fits(const std::string& typeName, std::string_view text)
@@ -132,7 +125,7 @@ bool fits(const std::string& typeName, std::string_view text)
         if (single)
             return true;
         for (char c : text)  // a list of strings holds quoted strings only
-            if (!isSeparator(c))
+            if (!SceneBuilder::isSeparator(c))
                 return c == '"';
         return true;
     }
@@ -146,13 +139,13 @@ bool fits(const std::string& typeName, std::string_view text)
     const char* p = text.data();
     const char* const end = p + text.size();
     for (;;) {
-        while (p < end && isSeparator(*p))
+        while (p < end && SceneBuilder::isSeparator(*p))
             ++p;
         if (p >= end)
             break;
         const char* start = p;
         if (shape->kind == Kind::Bool) {
-            while (p < end && !isSeparator(*p))
+            while (p < end && !SceneBuilder::isSeparator(*p))
                 ++p;
             const std::string_view word(start, static_cast<std::size_t>(p - start));
             if (word != "TRUE" && word != "FALSE" && word != "true" && word != "false")
@@ -161,7 +154,7 @@ bool fits(const std::string& typeName, std::string_view text)
             // One pass per number: its text, then a separator or the end.
             const std::size_t length = numberLength(p, end, shape->kind == Kind::Integer);
             p += length;
-            if (!length || (p < end && !isSeparator(*p)))
+            if (!length || (p < end && !SceneBuilder::isSeparator(*p)))
                 return false;
             if (shape->count == 0 && words < 2)
                 (words == 0 ? width : height) = std::strtoul(std::string(start, p).c_str(), nullptr, 0);
@@ -179,7 +172,7 @@ NodePartDataType guessType(std::string_view text, bool holdsNodes)
     if (holdsNodes)
         return MFNodeType;
     std::size_t i = 0;
-    while (i < text.size() && isSeparator(text[i]))
+    while (i < text.size() && SceneBuilder::isSeparator(text[i]))
         ++i;
     if (i < text.size() && text[i] == '"')
         return MFStringType;
@@ -406,9 +399,9 @@ bool SceneBuilder::addSource(Node& node, std::string_view code, Place place)
         error(place, "text in a " + type + " node, which takes no source code");
         return false;
     }
-    while (!code.empty() && isSeparator(code.front()) && code.front() != ',')
+    while (!code.empty() && SceneBuilder::isSeparator(code.front()) && code.front() != ',')
         code.remove_prefix(1);
-    while (!code.empty() && isSeparator(code.back()) && code.back() != ',')
+    while (!code.empty() && SceneBuilder::isSeparator(code.back()) && code.back() != ',')
         code.remove_suffix(1);
     if (!code.empty())
         url->addValue(std::string(code));

@@ -42,6 +42,14 @@ public:
     SceneBuilder(const SceneBuilder&) = delete;
     SceneBuilder& operator=(const SceneBuilder&) = delete;
 
+    // What separates values in value text, and words in the classic syntax: blank, tab, line
+    // feed, vertical tab, form feed, carriage return, or a comma.
+    static constexpr bool isSeparator(char c)
+    {
+        const auto u = static_cast<unsigned char>(c);
+        return u == ',' || (u <= ' ' && ((0x100003E00ull >> u) & 1u));
+    }
+
     const std::string& url() const { return _url; }
     void error(Place place, std::string message);
     const std::vector<LoadError>& errors() const { return _errors; }
