@@ -56,10 +56,9 @@ IDRegistry& idRegistry()
 // laid out for the node's constructor to take up.
 struct BlockHandOver {
     const NodeType* requested = nullptr;
-    const NodeType* type = nullptr;
-    char*           block = nullptr;
-    std::uint32_t   objectSize = 0;
-    std::uint32_t   areaSize = 0;
+    const NodeLayout* layout = nullptr;
+    char*             block = nullptr;
+    std::uint32_t     objectSize = 0;
 };
 
 thread_local BlockHandOver blockHandOver;
@@ -156,14 +155,13 @@ void* Node::operator new(std::size_t size)
 {
     BlockHandOver& h = blockHandOver;
     const NodeType* type = std::exchange(h.requested, nullptr);
-    if (!type || !type->_areaSize)
+    if (!type || !type->_layout || !type->_layout->areaSize)
         return ::operator new(size);
     const std::size_t objectSize = (size + blockAlign - 1) & ~(blockAlign - 1);
-    void* block = ::operator new(objectSize + type->_areaSize);
-    h.type = type;
+    void* block = ::operator new(objectSize + type->_layout->areaSize);
+    h.layout = type->_layout;
     h.block = static_cast<char*>(block);
     h.objectSize = static_cast<std::uint32_t>(objectSize);
-    h.areaSize = type->_areaSize;
     return block;
 }
 
@@ -184,8 +182,8 @@ void Node::operator delete(void* block) noexcept
 bool Node::inBlock(const void* p) const
 {
     const auto at = reinterpret_cast<std::uintptr_t>(p);
-    const auto area = reinterpret_cast<std::uintptr_t>(_area);
-    return _area && at >= area && at < area + _areaSize;
+    const auto area = reinterpret_cast<std::uintptr_t>(_parts.area());
+    return _parts.area() && at >= area && at < area + _parts.layout()->areaSize;
 }
 
 void Node::destroyPart(NodePart* part)
@@ -208,37 +206,54 @@ void Node::destroyProc(NodeProc* proc)
         delete proc;
 }
 
-void Node::PartTable::init(NodePart** storage, std::uint32_t count)
+void Node::PartTable::init(std::uint32_t count, char* area, const NodeLayout* layout)
 {
-    release();
-    _onHeap = storage == nullptr;
-    _data = storage ? storage : (count ? new NodePart*[count] : nullptr);
-    std::fill_n(_data, count, nullptr);
+    delete[] std::exchange(_data, nullptr);
+    _area = area;
+    _layout = layout;
+    _built = 0;
     _size = count;
     _capacity = count;
+    if (!area || !layout->placesAll || layout->fieldOffsets.size() != count)
+        toTable(count);
+}
+
+void Node::PartTable::set(std::size_t i, NodePart* part)
+{
+    if (!_data) {
+        const std::uint64_t bit = std::uint64_t(1) << i;
+        if (!part) {
+            _built &= ~bit;
+            return;
+        }
+        if (_layout->fieldOffsets[i] != NodeLayout::NoPlace &&
+            static_cast<void*>(part) == _area + _layout->fieldOffsets[i]) {
+            _built |= bit;
+            return;
+        }
+        toTable(_capacity);
+    }
+    _data[i] = part;
 }
 
 void Node::PartTable::push_back(NodePart* part)
 {
-    if (_size == _capacity) {
-        // Dynamic fields are few; double anyway so that a long run of them stays linear.
-        const std::uint32_t capacity = _capacity ? 2 * _capacity : 4;
-        auto* data = new NodePart*[capacity];
-        std::copy_n(_data, _size, data);
-        release();
-        _data = data;
-        _capacity = capacity;
-        _onHeap = 1;
-    }
+    // Dynamic fields are few; double anyway so that a long run of them stays linear.
+    if (!_data || _size == _capacity)
+        toTable(_capacity > _size ? _capacity : (_capacity ? 2 * _capacity : 4));
     _data[_size++] = part;
 }
 
-void Node::PartTable::release()
+void Node::PartTable::toTable(std::uint32_t capacity)
 {
-    if (_onHeap)
-        delete[] _data;
-    _data = nullptr;
-    _onHeap = 0;
+    if (capacity < _size)
+        capacity = _size;
+    auto* data = capacity ? new NodePart*[capacity] : nullptr;
+    for (std::uint32_t i = 0; i < _size; ++i)
+        data[i] = (*this)[i];
+    delete[] _data;
+    _data = data;
+    _capacity = capacity;
 }
 
 Node* Node::createNode(NodeType& type, NodeNameSpace& nameSpace, const char* name)
@@ -316,16 +331,13 @@ Node::Node(NodeType& type, NodeNameSpace& nameSpace, const char* name)
     BlockHandOver& h = blockHandOver;
     const auto self = reinterpret_cast<std::uintptr_t>(this);
     const auto block = reinterpret_cast<std::uintptr_t>(h.block);
-    if (h.block && h.type == &type && self >= block && self < block + h.objectSize &&
-        h.areaSize == type._areaSize && type._fieldOffsets.size() == type.partCount()) {
-        _area = h.block + h.objectSize;
-        _areaSize = h.areaSize;
-        _parts.init(reinterpret_cast<NodePart**>(_area + type._partTableOffset), type.partCount());
-    } else {
-        _parts.init(nullptr, type.partCount());
-    }
+    if (h.block && h.layout == type._layout && self >= block && self < block + h.objectSize &&
+        h.layout->fieldOffsets.size() == type.partCount())
+        _parts.init(type.partCount(), h.block + h.objectSize, h.layout);
+    else
+        _parts.init(type.partCount(), nullptr, nullptr);
     h.block = nullptr;
-    h.type = nullptr;
+    h.layout = nullptr;
     {
         IDRegistry& r = idRegistry();
         std::lock_guard<std::mutex> lock(r.lock);
@@ -625,8 +637,8 @@ Field* Node::findField(const std::string& name, FieldSearchOrder order) const
 
 Field* Node::findField(NodePartValueRestriction restriction) const
 {
-    for (NodePart* part : _parts)
-        if (part && part->desc() && part->desc()->valueRestriction() == restriction)
+    for (std::size_t i = 0; i < _parts.size(); ++i)
+        if (NodePart* part = _parts[i]; part && part->desc() && part->desc()->valueRestriction() == restriction)
             return static_cast<Field*>(part);
     return nullptr;
 }
@@ -691,7 +703,7 @@ bool Node::regField(Field& field, NodeType& type, unsigned id, bool setDefault)
     if (_parts[id] && _parts[id] != &field)
         destroyPart(_parts[id]);
     field.setDesc(type.part(id));
-    _parts[id] = &field;
+    _parts.set(id, &field);
     if (setDefault)
         field.setDefaultValue(0.0);
     return true;
@@ -705,7 +717,7 @@ void Node::unregField(unsigned id)
     // one in its place.
     if (inBlock(_parts[id]))
         destroyPart(_parts[id]);
-    _parts[id] = nullptr;
+    _parts.set(id, nullptr);
 }
 
 Field* Node::makeField(unsigned id, bool setDefault)
@@ -718,11 +730,13 @@ Field* Node::makeField(unsigned id, bool setDefault)
     // In the block where the type placed it; on the heap for a node without block or a field
     // type without placement.
     Field* field = nullptr;
-    const FieldType* fieldType = _area && id < _type->_fieldOffsets.size() && _type->_fieldOffsets[id] != NodeType::NoPlace
-                                     ? FieldType::findType(desc->dataType())
-                                     : nullptr;
-    if (fieldType && fieldType->placeMethod())
-        field = fieldType->placeMethod()(_area + _type->_fieldOffsets[id], *this);
+    const NodeLayout* layout = _parts.layout();
+    const FieldType* placed = _parts.area() && id < layout->fieldOffsets.size() &&
+                                      layout->fieldOffsets[id] != NodeLayout::NoPlace
+                                  ? layout->fieldTypes[id]
+                                  : nullptr;
+    if (placed && placed->dataType() == desc->dataType())
+        field = placed->placeMethod()(_parts.area() + layout->fieldOffsets[id], *this);
     else
         field = FieldType::create(desc->dataType(), *this);
     if (field && !regField(*field, *_type, id, setDefault)) {
@@ -772,7 +786,7 @@ bool Node::removeDynamicField(unsigned id)
     destroyPart(part);
     delete desc;
     // The IDs of later fields stay as they are; only a trailing slot goes away.
-    _parts[id] = nullptr;
+    _parts.set(id, nullptr);
     while (_parts.size() > _type->partCount() && !_parts.back())
         _parts.pop_back();
     return true;

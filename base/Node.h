@@ -3,10 +3,12 @@
 
 #include "base/AttachmentBag.h"
 #include "base/BitVector.h"
+#include "base/NodeLayout.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -268,34 +270,45 @@ private:
     void destroyPart(NodePart* part);
     void destroyProc(NodeProc* proc);
 
-    // The parts by descriptor ID. The first table is in the node's block; dynamic fields
-    // beyond its capacity move it to the heap.
+    // The parts by descriptor ID, dynamic fields after the declared ones. A node whose type
+    // places every declared field in the block keeps no table: a field is found from its
+    // offset, and a bit tells whether it is built. Anything else (a field from the heap, a
+    // dynamic field) moves the parts into a table on the heap.
     class PartTable {
     public:
         PartTable() = default;
         PartTable(const PartTable&) = delete;
         PartTable& operator=(const PartTable&) = delete;
-        ~PartTable() { release(); }
+        ~PartTable() { delete[] _data; }
 
-        // Empty slots for `count` parts, in `storage` (room for `count`) or on the heap.
-        void init(NodePart** storage, std::uint32_t count);
+        // `count` empty slots: in a table, or, for a layout that places them all, found in `area`.
+        void init(std::uint32_t count, char* area, const NodeLayout* layout);
         std::size_t size() const { return _size; }
         bool        empty() const { return _size == 0; }
-        NodePart*&  operator[](std::size_t i) { return _data[i]; }
-        NodePart*   operator[](std::size_t i) const { return _data[i]; }
-        NodePart*   back() const { return _data[_size - 1]; }
+        NodePart*   operator[](std::size_t i) const { return _data ? _data[i] : placed(i); }
+        void        set(std::size_t i, NodePart* part);
+        NodePart*   back() const { return (*this)[_size - 1]; }
         void        pop_back() { --_size; }
         void        push_back(NodePart* part);
-        NodePart* const* begin() const { return _data; }
-        NodePart* const* end() const { return _data + _size; }
+        // The block area after the node object and its layout; null for a node without block.
+        char*             area() const { return _area; }
+        const NodeLayout* layout() const { return _layout; }
 
     private:
-        void release();
+        NodePart* placed(std::size_t i) const
+        {
+            return (_built >> i) & 1u ? std::launder(reinterpret_cast<NodePart*>(_area + _layout->fieldOffsets[i]))
+                                      : nullptr;
+        }
+        // Moves the parts into a table with room for `capacity`.
+        void toTable(std::uint32_t capacity);
 
-        NodePart**    _data = nullptr;
-        std::uint32_t _size = 0;
-        std::uint32_t _capacity : 31 = 0;
-        std::uint32_t _onHeap : 1 = 0;
+        NodePart**        _data = nullptr;
+        char*             _area = nullptr;
+        const NodeLayout* _layout = nullptr;
+        std::uint64_t     _built = 0;
+        std::uint32_t     _size = 0;
+        std::uint32_t     _capacity = 0;
     };
 
     NodeType*                          _type;
@@ -320,9 +333,6 @@ private:
     std::uint32_t                      _exportCount = 0;
     // The node's place in the ID map.
     std::uint32_t                      _idSlot = 0;
-    // The part of the block after the node object; null for a node without block.
-    char*                              _area = nullptr;
-    std::uint32_t                      _areaSize = 0;
 };
 
 } // namespace Orvane

@@ -566,27 +566,38 @@ void NodeType::computeLayout()
     // ask for more.
     constexpr std::uint32_t maxAlign = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
     auto alignUp = [](std::uint32_t at, std::uint32_t align) { return (at + align - 1) & ~(align - 1); };
+    auto layout = std::make_unique<NodeLayout>();
     std::uint32_t at = 0;
-    _fieldOffsets.assign(_descVec.size(), NoPlace);
+    layout->fieldOffsets.assign(_descVec.size(), NodeLayout::NoPlace);
+    layout->fieldTypes.assign(_descVec.size(), nullptr);
+    layout->placesAll = _descVec.size() <= 64;
     for (std::size_t i = 0; i < _descVec.size(); ++i) {
         const NodePartDesc* desc = _descVec[i];
         const FieldType* fieldType = desc && desc->holdsField() ? FieldType::findType(desc->dataType()) : nullptr;
-        if (!fieldType || !fieldType->placeSize() || fieldType->placeAlign() > maxAlign)
+        layout->fieldTypes[i] = fieldType;
+        if (!fieldType)
             continue;
+        if (!fieldType->placeSize() || !fieldType->placeMethod() || fieldType->placeAlign() > maxAlign) {
+            layout->placesAll = false;
+            continue;
+        }
         at = alignUp(at, fieldType->placeAlign());
-        _fieldOffsets[i] = at;
+        layout->fieldOffsets[i] = at;
         at += fieldType->placeSize();
     }
-    at = alignUp(at, alignof(NodePart*));
-    _partTableOffset = at;
-    at += static_cast<std::uint32_t>(_descVec.size() * sizeof(NodePart*));
-    _procOffset = NoPlace;
     if (_procFactory == &Node::createProc) {
         at = alignUp(at, alignof(NodeProc));
-        _procOffset = at;
+        layout->procOffset = at;
         at += sizeof(NodeProc);
     }
-    _areaSize = alignUp(at, maxAlign);
+    layout->areaSize = alignUp(at, maxAlign);
+    // Laid out as before: keep the layout the live nodes share.
+    for (const auto& earlier : _layouts)
+        if (*earlier == *layout) {
+            _layout = earlier.get();
+            return;
+        }
+    _layout = _layouts.emplace_back(std::move(layout)).get();
 }
 
 void NodeType::clearParts()
@@ -600,9 +611,7 @@ void NodeType::clearParts()
     _outSlotMap.clear();
     _logFeatureMask.reset();
     _additionalParents.clear();
-    _fieldOffsets.clear();
-    _areaSize = 0;
-    _procOffset = NoPlace;
+    _layout = nullptr;
 }
 
 void NodeType::mapParts()
@@ -880,8 +889,9 @@ Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator cre
             node->makeField(desc->ID(), true);
     if (!node->proc()) {
         // The default processor has its room in the block, when the node got one.
-        if (node->_area && _procOffset != NoPlace && _procOffset + sizeof(NodeProc) <= node->_areaSize)
-            node->setProc(::new (node->_area + _procOffset) NodeProc(*node));
+        const NodeLayout* layout = node->_parts.layout();
+        if (node->_parts.area() && layout->procOffset != NodeLayout::NoPlace)
+            node->setProc(::new (node->_parts.area() + layout->procOffset) NodeProc(*node));
         else
             node->setProc(createProc(*node));
     }

@@ -3,12 +3,14 @@
 
 #include "base/BitVector.h"
 #include "base/Node.h"
+#include "base/NodeLayout.h"
 #include "base/RefCountObject.h"
 #include "base/SmartPtr.h"
 
 #include <cstdint>
 #include <list>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <ostream>
 #include <string>
@@ -182,14 +184,10 @@ private:
     // Lays out the block of this type's nodes after the node object.
     void computeLayout();
 
-    // The block layout, relative to the end of the node object: each part's field offset
-    // (NoPlace for a part whose field is made on the heap), the part table and the default
-    // processor (NoPlace when the type's processors come from elsewhere).
-    static constexpr std::uint32_t NoPlace = ~0u;
-    std::vector<std::uint32_t> _fieldOffsets;
-    std::uint32_t              _partTableOffset = 0;
-    std::uint32_t              _procOffset = NoPlace;
-    std::uint32_t              _areaSize = 0;
+    // The block layout of new nodes (null before the type is laid out), and every layout made
+    // so far: nodes built with an older one still use it.
+    const NodeLayout*                        _layout = nullptr;
+    std::vector<std::unique_ptr<NodeLayout>> _layouts;
 
     NodeTypeNameSpace*   _nameSpace;
     Component*           _compObj = nullptr;
