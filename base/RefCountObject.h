@@ -29,6 +29,9 @@ protected:
     virtual void shutdown() const {}
 
 private:
+    // Shuts down and deletes the object unless the shutdown took a new reference.
+    void finishRelease() const;
+
     mutable std::int32_t _refCount = 0;
     mutable bool         _shuttingDown = false;
 };

@@ -118,6 +118,22 @@ TEST_F(NodeTest, FieldsAndSlotsBySearchOrder)
     EXPECT_EQ(log.count("There is no outSlot missing in the node H (type: Holder\n", LOG_WARNING), 1);
 }
 
+// A chain far deeper than the stack could unwind recursively ends when its head goes.
+TEST_F(NodeTest, ReleasingADeepChain)
+{
+    const std::size_t before = Node::idMapSize();
+    SmartPtr<Node> head = scope.make("Holder");
+    Node* tail = head.get();
+    for (int i = 0; i < 200'000; ++i) {
+        SmartPtr<Node> next = scope.make("Holder");
+        tail->addChild(next.get(), "children");
+        tail = next.get();
+    }
+    EXPECT_EQ(Node::idMapSize(), before + 200'001);
+    head = nullptr;
+    EXPECT_EQ(Node::idMapSize(), before);
+}
+
 TEST_F(NodeTest, DynamicFieldsFollowTheTypeParts)
 {
     SmartPtr<Node> node = scope.make("Thing");
