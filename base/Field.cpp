@@ -31,11 +31,12 @@ const std::string Field::_typeName = "Field";
 
 Field::~Field()
 {
-    if (!_events)
+    Events* e = eventsIfAny();
+    if (!e)
         return;
-    delete _events->inSlot;
-    delete _events->outSlot;
-    delete _events;
+    delete e->inSlot;
+    delete e->outSlot;
+    delete e;
 }
 
 void Field::Events::refreshFastPath()
@@ -46,9 +47,12 @@ void Field::Events::refreshFastPath()
 
 Field::Events& Field::events()
 {
-    if (!_events)
-        _events = new Events;
-    return *_events;
+    Events* e = eventsIfAny();
+    if (!e) {
+        e = new Events;
+        setExtension(e);
+    }
+    return *e;
 }
 
 const std::string& Field::typeName() const
@@ -140,24 +144,26 @@ bool Field::setValueByField(const double& time, const Field& from, ConvertParam*
 
 void Field::setDefaultValue(const double&)
 {
-    if (_desc && !_desc->defaultValue().empty())
-        setValueByStr(_desc->defaultValue().c_str());
+    const NodePartDesc* d = desc();
+    if (d && !d->defaultValue().empty())
+        setValueByStr(d->defaultValue().c_str());
 }
 
 // --- state queries ---
 
 bool Field::valueIsDefault() const
 {
-    if (!_desc)
+    const NodePartDesc* d = desc();
+    if (!d)
         return true;
     // A field of a prototype instance is at its default while it holds the declaration's value.
     if (const ProtoDeclaration* declaration = _owner->type().protoDeclaration()) {
-        if (_desc->ID() < declaration->fieldCount()) {
-            const Field* initial = declaration->initialValue(_desc->ID());
+        if (d->ID() < declaration->fieldCount()) {
+            const Field* initial = declaration->initialValue(d->ID());
             return initial && initial->equalValue(*this);
         }
     }
-    const std::string& text = _desc->defaultValue();
+    const std::string& text = d->defaultValue();
     if (text.empty()) {
         if (cardinality() == Multi && size() == 0)
             return true;
@@ -175,7 +181,8 @@ bool Field::valueIsDefault() const
 
 bool Field::changed() const
 {
-    return _desc && _owner->checkChangedMask(_desc->mask());
+    const NodePartDesc* d = desc();
+    return d && _owner->checkChangedMask(d->mask());
 }
 
 std::string Field::strValue() const
@@ -189,7 +196,8 @@ std::string Field::strValue() const
 
 void Field::markChanged()
 {
-    if (!_desc) {
+    const NodePartDesc* d = desc();
+    if (!d) {
         ORV_INFO("Field without desc in XField::markChanged()\n");
         return;
     }
@@ -197,27 +205,28 @@ void Field::markChanged()
         _owner->markParent(1);
         _owner->setFlag(Node::MarkedFlag);
     }
-    _owner->markChanged(_desc->mask());
+    _owner->markChanged(d->mask());
 }
 
 void Field::processValueChange(const double& time, CallerType callerType)
 {
-    if (!_desc)
+    const NodePartDesc* d = desc();
+    if (!d)
         return;
     Node& node = *_owner;
     if (node.checkLogFeature(LogFieldValueChanged))
         ORV_PLOG("%s/%s.%s: processValueChange()\n", node.type().name().c_str(), node.getIDStr().c_str(),
-                 _desc->name().c_str());
-    if (node.checkIsChangingMask(_desc->mask()) && _desc->autoProcess())
+                 d->name().c_str());
+    if (node.checkIsChangingMask(d->mask()) && d->autoProcess())
         ORV_WARNING("%s/%s.%s: processValueChange() && _isChangingMask set\n", node.type().name().c_str(),
-                    node.getIDStr().c_str(), _desc->name().c_str());
+                    node.getIDStr().c_str(), d->name().c_str());
 
     if (!node.isLive()) {
         markChanged();
         send(0.0, true, true);
         return;
     }
-    switch (_desc->partType()) {
+    switch (d->partType()) {
     case FieldPartType:
     case EventOutPartType:
         markChanged();
@@ -230,7 +239,7 @@ void Field::processValueChange(const double& time, CallerType callerType)
         break;
     case ExposedFieldPartType:
         markChanged();
-        if (receive(time) && (_desc->autoProcess() || callerType == SendCaller))
+        if (receive(time) && (d->autoProcess() || callerType == SendCaller))
             send(time, true, false);
         break;
     default:
@@ -255,14 +264,16 @@ bool Field::receive(const double& time)
 
 void Field::send(const double& time, bool markChanging, bool onlyIS)
 {
+    const NodePartDesc* d = desc();
     // An exported node's output reaches the importing side even before anyone routed it.
-    if (!outSlotIfAny() && _desc && _desc->hasOutSlot() && _owner->isExported())
+    if (!outSlotIfAny() && d && d->hasOutSlot() && _owner->isExported())
         createOutSlot(false);
-    if (!_events)
+    Events* e = eventsIfAny();
+    if (!e)
         return;
-    if (!_events->listeners.empty())
+    if (!e->listeners.empty())
         callListeners(time);
-    EventOutSlot* out = _events->outSlot;
+    EventOutSlot* out = e->outSlot;
     if (!out)
         return;
     // This is every hop of an event cascade: the out-slot is called directly, without the
@@ -275,7 +286,7 @@ void Field::send(const double& time, bool markChanging, bool onlyIS)
     // back round a cycle. The bit is cleared when the send is over, a nested send of the same
     // field (a change during its own cascade) included: an event that comes back after the
     // nested send is taken once more.
-    const PartMask mask = _desc ? _desc->mask() : _nullMask;
+    const PartMask mask = d ? d->mask() : _nullMask;
     _owner->setIsChanging(mask);
     out->sendEvent(time, *this, nullptr, onlyIS);
     _owner->clearIsChanging(mask);
@@ -346,12 +357,13 @@ unsigned int Field::outRouteCount(bool all, bool withObservers) const
 
 void Field::disconnectAll()
 {
-    if (!_events)
+    Events* e = eventsIfAny();
+    if (!e)
         return;
-    if (_events->inSlot)
-        _events->inSlot->disconnectAll();
-    if (_events->outSlot)
-        _events->outSlot->disconnectAll();
+    if (e->inSlot)
+        e->inSlot->disconnectAll();
+    if (e->outSlot)
+        e->outSlot->disconnectAll();
 }
 
 // --- listeners ---
@@ -365,22 +377,24 @@ void Field::addListener(Listener* listener)
 
 void Field::removeListener(Listener* listener)
 {
-    if (!_events)
+    Events* e = eventsIfAny();
+    if (!e)
         return;
-    auto& listeners = _events->listeners;
+    auto& listeners = e->listeners;
     auto found = std::find(listeners.begin(), listeners.end(), listener);
     if (found != listeners.end())
         listeners.erase(found);
-    _events->refreshFastPath();
+    e->refreshFastPath();
 }
 
 void Field::callListeners(const double& time)
 {
-    if (!_events)
+    Events* e = eventsIfAny();
+    if (!e)
         return;
     // By index: a listener may add or remove listeners.
-    for (std::size_t i = 0; i < _events->listeners.size(); ++i)
-        _events->listeners[i]->fieldChanged(time, *this);
+    for (std::size_t i = 0; i < e->listeners.size(); ++i)
+        e->listeners[i]->fieldChanged(time, *this);
 }
 
 // --- text helpers ---

@@ -115,8 +115,8 @@ protected:
 
 private:
     // Slots and listeners are rare beside the number of fields, so they share one record made
-    // on first need: a field without them costs one pointer.
-    struct Events {
+    // on first need, which also takes over the descriptor.
+    struct Events : Extension {
         EventInSlot*           inSlot = nullptr;
         EventOutSlot*          outSlot = nullptr;
         std::vector<Listener*> listeners;
@@ -124,10 +124,9 @@ private:
         void refreshFastPath();
     };
     Events&       events();
-    EventInSlot*  inSlotIfAny() const { return _events ? _events->inSlot : nullptr; }
-    EventOutSlot* outSlotIfAny() const { return _events ? _events->outSlot : nullptr; }
-
-    Events* _events = nullptr;
+    Events*       eventsIfAny() const { return static_cast<Events*>(extension()); }
+    EventInSlot*  inSlotIfAny() const { return eventsIfAny() ? eventsIfAny()->inSlot : nullptr; }
+    EventOutSlot* outSlotIfAny() const { return eventsIfAny() ? eventsIfAny()->outSlot : nullptr; }
 };
 
 } // namespace Orvane

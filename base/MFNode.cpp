@@ -12,7 +12,7 @@ MFNode::MFNode(Node& owner, const MFNode& other) : TypedField(owner)
 
 MFNode::MFNode(const MFNode& other) : TypedField(other.owner())
 {
-    _desc = other._desc;
+    setDesc(other.desc());
     *this = other;
 }
 

@@ -9,36 +9,55 @@ namespace Orvane {
 
 const PartMask NodePart::_nullMask;
 
+void NodePart::setDesc(NodePartDesc* desc)
+{
+    if (Extension* e = extension())
+        e->desc = desc;
+    else
+        _meta = descBits(desc);
+}
+
+void NodePart::setExtension(Extension* extension)
+{
+    extension->desc = desc();
+    _meta = reinterpret_cast<std::uintptr_t>(extension) | ExtendedBit;
+}
+
 const char* NodePart::findName() const
 {
-    if (!_desc) {
+    const NodePartDesc* d = desc();
+    if (!d) {
         ORV_WARNING("Field without desc cannot return name\n");
         return nullptr;
     }
-    return _desc->name().c_str();
+    return d->name().c_str();
 }
 
 NodePartType NodePart::type() const
 {
-    return _desc ? _desc->partType() : FieldPartType;
+    const NodePartDesc* d = desc();
+    return d ? d->partType() : FieldPartType;
 }
 
 PartMask NodePart::mask() const
 {
-    return _desc ? _desc->mask() : _nullMask;
+    const NodePartDesc* d = desc();
+    return d ? d->mask() : _nullMask;
 }
 
 const char* NodePart::nameOrNoName() const
 {
-    return _desc ? _desc->name().c_str() : "NoName";
+    const NodePartDesc* d = desc();
+    return d ? d->name().c_str() : "NoName";
 }
 
 bool NodePart::isNodeTypePart() const
 {
-    if (!_desc)
+    const NodePartDesc* d = desc();
+    if (!d)
         return false;
     const NodeType& type = _owner->type();
-    return _desc->ID() < type.partCount() && type.part(_desc->ID()) == _desc;
+    return d->ID() < type.partCount() && type.part(d->ID()) == d;
 }
 
 } // namespace Orvane

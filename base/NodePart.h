@@ -5,6 +5,7 @@
 #include "base/BitVector.h"
 #include "base/FieldType.h"
 
+#include <cstdint>
 #include <string>
 
 namespace Orvane {
@@ -26,7 +27,7 @@ enum NodePartType : std::int32_t {
 class ORVANE_API NodePart : public BaseObject {
 public:
     explicit NodePart(Node& owner) : _owner(&owner) {}
-    NodePart(const NodePart& other) : BaseObject(), _owner(other._owner), _desc(other._desc) {}
+    NodePart(const NodePart& other) : BaseObject(), _owner(other._owner), _meta(descBits(other.desc())) {}
     NodePart& operator=(const NodePart&) = delete;
     ~NodePart() override = default;
 
@@ -36,8 +37,12 @@ public:
     virtual NodePartType       type() const;
 
     Node&               owner() const { return *_owner; }
-    NodePartDesc*       desc() const { return _desc; }
-    void                setDesc(NodePartDesc* desc) { _desc = desc; }
+    NodePartDesc*       desc() const
+    {
+        return (_meta & ExtendedBit) ? reinterpret_cast<const Extension*>(_meta & ~ExtendedBit)->desc
+                                     : reinterpret_cast<NodePartDesc*>(_meta);
+    }
+    void                setDesc(NodePartDesc* desc);
     // The part's bit in the node masks; the empty mask without descriptor.
     PartMask            mask() const;
     // The name, or "NoName" when the part has none: for log lines.
@@ -49,8 +54,26 @@ public:
     static const PartMask _nullMask;
 
 protected:
-    Node*         _owner;
-    NodePartDesc* _desc = nullptr;
+    // What a part gains once it has event slots or listeners. It takes over the descriptor, so
+    // that a part without them holds both in one word.
+    struct Extension {
+        NodePartDesc* desc = nullptr;
+    };
+    Extension* extension() const
+    {
+        return (_meta & ExtendedBit) ? reinterpret_cast<Extension*>(_meta & ~ExtendedBit) : nullptr;
+    }
+    // Hands the part's descriptor to `extension`, which the part keeps from now on.
+    void setExtension(Extension* extension);
+
+    Node* _owner;
+
+private:
+    static constexpr std::uintptr_t ExtendedBit = 1;
+    static std::uintptr_t descBits(NodePartDesc* desc) { return reinterpret_cast<std::uintptr_t>(desc); }
+
+    // The descriptor, or the extension with the low bit set.
+    std::uintptr_t _meta = 0;
 };
 
 } // namespace Orvane

@@ -17,7 +17,7 @@ SFNode::SFNode(Node& owner, const SFNode& other) : TypedField(owner)
 
 SFNode::SFNode(const SFNode& other) : TypedField(other.owner())
 {
-    _desc = other._desc;
+    setDesc(other.desc());
     _value.setField(this);
     _value.setNode(other.node());
 }
