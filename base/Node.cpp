@@ -746,6 +746,28 @@ Field* Node::makeField(unsigned id, bool setDefault)
     return field;
 }
 
+void Node::makeDeclaredFields()
+{
+    const NodeLayout* layout = _parts.layout();
+    char* area = _parts.area();
+    const unsigned count = _type->partCount();
+    for (unsigned id = 0; id < count; ++id) {
+        NodePartDesc* desc = _type->part(id);
+        if (!desc || !desc->holdsField() || _parts[id])
+            continue;
+        // The common case straight: the field has its place in the block.
+        const FieldType* placed = area && id < layout->fieldOffsets.size() ? layout->fieldTypes[id] : nullptr;
+        if (!placed || layout->fieldOffsets[id] == NodeLayout::NoPlace || placed->dataType() != desc->dataType()) {
+            makeField(id, true);
+            continue;
+        }
+        Field* field = placed->placeMethod()(area + layout->fieldOffsets[id], *this);
+        field->setDesc(desc);
+        _parts.set(id, field);
+        field->setDefaultValue(0.0);
+    }
+}
+
 Field* Node::placeDynamicField(NodePartDesc* desc)
 {
     const unsigned id = static_cast<unsigned>(_parts.size());

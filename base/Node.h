@@ -249,6 +249,8 @@ protected:
     void unregField(unsigned id);
     // Makes the field of descriptor `id` unless the node has it already.
     Field* makeField(unsigned id, bool setDefault);
+    // Makes every declared field the node does not have yet, each at its default.
+    void makeDeclaredFields();
 
 private:
     friend class NodeLink;

@@ -93,13 +93,6 @@ NodePartDesc::NodePartDesc(const NodePartDesc& other, const PartMask* mask)
 {
 }
 
-// Every data type number has a registered field type; the check stays off the registry because
-// it runs for every part of every new node.
-bool NodePartDesc::holdsField() const
-{
-    return _partType != InvalidPartType && _dataType >= SFBoolType && _dataType <= MFAnyType;
-}
-
 namespace {
 
 // The classic and the X3D word of each access type.

@@ -87,8 +87,13 @@ public:
     unsigned           further() const { return _further; }
     NodeType*          ownerType() const { return _ownerType; }
 
-    // Whether nodes of the type get a field for this part.
-    bool holdsField() const;
+    // Whether nodes of the type get a field for this part. Every data type number has a
+    // registered field type; the check stays off the registry because it runs for every part
+    // of every new node.
+    bool holdsField() const
+    {
+        return _partType != InvalidPartType && _dataType >= SFBoolType && _dataType <= MFAnyType;
+    }
     // Whether the part takes input events, sends output events.
     bool hasInSlot() const { return (_partType & EventInPartType) != 0; }
     bool hasOutSlot() const { return (_partType & EventOutPartType) != 0; }

@@ -884,9 +884,7 @@ Node* NodeType::createNode(BaseObject* parent, const char* name, NodeCreator cre
 
     // A new node starts with every field at its declared default, as a file that omits the
     // field means; the default is set without change processing.
-    for (NodePartDesc* desc : _descVec)
-        if (desc && desc->holdsField())
-            node->makeField(desc->ID(), true);
+    node->makeDeclaredFields();
     if (!node->proc()) {
         // The default processor has its room in the block, when the node got one.
         const NodeLayout* layout = node->_parts.layout();
