@@ -63,6 +63,10 @@ public:
     // The namespace that the node roots (an inline's scene, for example), when it differs from
     // the one the node lives in; null for none. The writers close such a scope after the node.
     virtual NodeNameSpace* ownNameSpace() const { return nullptr; }
+    // Whether that namespace is a document of its own (the scene an inline read from its file):
+    // the writers then write the node as a plain one and leave the scope to its own file; only
+    // the imports from it follow the node.
+    virtual bool ownsDocument() const { return false; }
 
     // Takes over the state of `from`, the processor of the node this one's node was copied from.
     virtual void copy(const NodeProc& from) {}

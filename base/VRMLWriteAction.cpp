@@ -383,9 +383,9 @@ void VRMLWriteAction::writeImports(Node& node)
         return;
     // Only the first line is indented.
     indent();
-    NodeNameSpace& inner = ownNameSpace(node);
+    NodeNameSpace* inner = importScope(node);
     for (const NodeNameSpace::Import& entry : node.nameSpace().importVec()) {
-        if (entry.from != &inner)
+        if (!inner || entry.from != inner)
             continue;
         put("IMPORT ");
         put(node.name());

@@ -180,8 +180,13 @@ void WriteAction::copyDocumentState(const WriteAction& other)
 
 NodeNameSpace& WriteAction::ownNameSpace(const Node& node)
 {
-    NodeNameSpace* own = node.proc() ? node.proc()->ownNameSpace() : nullptr;
+    NodeNameSpace* own = node.proc() && !node.proc()->ownsDocument() ? node.proc()->ownNameSpace() : nullptr;
     return own ? *own : node.nameSpace();
+}
+
+NodeNameSpace* WriteAction::importScope(const Node& node)
+{
+    return node.proc() ? node.proc()->ownNameSpace() : nullptr;
 }
 
 WriteAction::NodeMark WriteAction::markNode(Node& node, const std::string& typeName, const std::string*& name,
@@ -620,6 +625,19 @@ void WriteAction::writeFieldPass(Node& node, FieldPass pass)
     }
 }
 
+namespace {
+
+// The local name under which `nameSpace` imports `node`; null when it does not.
+const std::string* importedName(const NodeNameSpace& nameSpace, const Node& node)
+{
+    for (const NodeNameSpace::Import& import : nameSpace.importVec())
+        if (import.from && import.from->getExportedNode(import.exportName) == &node)
+            return import.localName.empty() ? &import.exportName : &import.localName;
+    return nullptr;
+}
+
+} // namespace
+
 void WriteAction::writeImportRoutes(NodeNameSpace& nameSpace)
 {
     // A route through an unnamed node between two imports: the first end, kept until the
@@ -654,6 +672,14 @@ void WriteAction::writeImportRoutes(NodeNameSpace& nameSpace)
                     const char* otherSlot = other.findName();
                     if (!otherSlot)
                         continue;
+                    if (&other.node().nameSpace() != &nameSpace) {
+                        // A route inside the exporting scene belongs to that scene's document;
+                        // one between two imports is written once, from its source's side.
+                        if (leaving && &other.node().nameSpace() != import.from)
+                            if (const std::string* otherImport = importedName(nameSpace, other.node()))
+                                writeSingleRoute(localName.c_str(), slotName, otherImport->c_str(), otherSlot);
+                        continue;
+                    }
                     if (const std::string* otherName = nodeName(other.node())) {
                         if (leaving)
                             writeSingleRoute(localName.c_str(), slotName, otherName->c_str(), otherSlot);

@@ -225,7 +225,10 @@ protected:
     // prototype's name in that file.
     static std::string externUrl(const NodeType& type, const ProtoDeclaration& declaration);
     // The name of a node's own scope: the one its processor reports, else the one it lives in.
+    // A scope that is a document of its own (NodeProc::ownsDocument) is not the node's here.
     static NodeNameSpace& ownNameSpace(const Node& node);
+    // The scope that IMPORT statements naming the node import from; null for none.
+    static NodeNameSpace* importScope(const Node& node);
 
 private:
     static constexpr std::size_t flushSize = 1u << 18;

@@ -572,9 +572,9 @@ void X3DWriteAction::writeImports(Node& node)
 {
     if (!good())
         return;
-    NodeNameSpace& inner = ownNameSpace(node);
+    NodeNameSpace* inner = importScope(node);
     for (const NodeNameSpace::Import& entry : node.nameSpace().importVec()) {
-        if (entry.from != &inner)
+        if (!inner || entry.from != inner)
             continue;
         enterContent(true);
         indent();

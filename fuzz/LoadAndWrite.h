@@ -19,7 +19,10 @@ inline void loadAndWrite(std::string text, const char* url)
         return true;
     }();
     (void)quiet;
-    LoadedScene scene = SceneLoader::loadData(std::move(text), url);
+    // Fuzz input never makes the reader open a file it names.
+    LoadOptions options;
+    options.loadInlines = false;
+    LoadedScene scene = SceneLoader::loadData(std::move(text), url, options);
     if (scene.root) {
         VRMLWriteAction    writer;
         std::ostringstream out;

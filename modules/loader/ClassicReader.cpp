@@ -529,6 +529,12 @@ void ClassicReader::nodeValues(Node& node, Field& field, int depth)
             }
             if (v.kind == WordToken && v.text == "NULL")
                 continue;
+            // A statement between the nodes of a list (the IMPORT written after a nested
+            // Inline) counts as one of the node's own.
+            if (v.kind == WordToken && (v.text == "ROUTE" || v.text == "IMPORT" || v.text == "EXPORT")) {
+                statement(v, depth, &node);
+                continue;
+            }
             if (SmartPtr<Node> child = nodeStatement(v, depth))
                 _builder.addChild(node, field, *child, v.place);
         }

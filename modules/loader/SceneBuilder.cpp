@@ -14,10 +14,15 @@
 #include "base/ProtoDeclaration.h"
 #include "base/Route.h"
 #include "base/SFNode.h"
+#include "base/SFBool.h"
 #include "base/SFString.h"
+#include "modules/loader/InlineProc.h"
+#include "modules/loader/SceneLoader.h"
 #include "modules/x3d/X3DCatalog.h"
+#include "platform/pordane/URL.h"
 
 #include <cstring>
+#include <filesystem>
 
 namespace Orvane {
 
@@ -334,6 +339,8 @@ bool SceneBuilder::addChild(Node& parent, Field& field, Node& child, Place place
     }
     if (!placed)
         error(place, "a " + child.type().name() + " node does not fit field " + fieldLabel(field));
+    else if (!isDeclarationField(field))
+        noteInline(child, place);
     return placed;
 }
 
@@ -470,11 +477,20 @@ Field* SceneBuilder::addDynamicField(Node& node, std::string_view access, std::s
 bool SceneBuilder::route(std::string_view fromNode, std::string_view fromField, std::string_view toNode,
                          std::string_view toField, Place place)
 {
-    std::string a(fromNode), af(fromField), b(toNode), bf(toField);
-    std::string text = "ROUTE " + a + "." + af + " TO " + b + "." + bf;
     if (_scopes.empty())
         return false;
-    NodeNameSpace& ns = scope();
+    return routeIn(scope(), std::string(fromNode), std::string(fromField), std::string(toNode), std::string(toField),
+                   place);
+}
+
+bool SceneBuilder::routeIn(NodeNameSpace& ns, const std::string& a, const std::string& af, const std::string& b,
+                           const std::string& bf, Place place)
+{
+    if (awaitsInline(ns, a) || awaitsInline(ns, b)) {
+        _pendingRoutes.push_back({&ns, a, af, b, bf, place});
+        return true;
+    }
+    std::string text = "ROUTE " + a + "." + af + " TO " + b + "." + bf;
     Node* from = ns.findNode(a);
     Node* to = ns.findNode(b);
     if (!from && !ns.getImportedNode(a)) {
@@ -582,10 +598,150 @@ bool SceneBuilder::isLink(Node& node, std::string_view field, std::string_view i
     return true;
 }
 
+// --- Inline ---
+
+void SceneBuilder::noteInline(Node& node, Place place)
+{
+    const NodeType& type = node.type();
+    if (!_inlineLoading || inProtoBody() || type.name() != "Inline" || type.isProto() || isUnknown(type) ||
+        InlineProc::of(node))
+        return;
+    auto* load = dynamic_cast<SFBool*>(node.findField(std::string("load")));
+    if (load && !load->value())
+        return;
+    // The scene and its namespace are made now, so that IMPORT statements that follow find
+    // them; the file is read when this one is done. The namespace hangs below this scene's,
+    // which is where its exports are published; names are not looked up through it.
+    auto scene = std::make_unique<SceneBuilder>(std::string());
+    if (!scene->_root)
+        return;
+    scene->_outer = this;
+    scene->_inlineDepth = _inlineDepth + 1;
+    scene->_inlineLoading = true;
+    scene->_root->nameSpace().setParent(&scope());
+    node.setProc(new InlineProc(node, scene->_root));
+    _pendingInlines.push_back({SmartPtr<Node>(&node), std::move(scene), place});
+}
+
+bool SceneBuilder::awaitsInline(const NodeNameSpace& ns, const std::string& name) const
+{
+    if (_pendingInlines.empty())
+        return false;
+    for (const NodeNameSpace::Import& import : ns.importVec()) {
+        if (import.localName != name)
+            continue;
+        for (const PendingInline& pending : _pendingInlines)
+            if (import.from == &pending.scene->_root->nameSpace())
+                return true;
+    }
+    return false;
+}
+
+void SceneBuilder::loadInlines()
+{
+    // One at a time, each with the files it inlines in turn, then the routes that waited.
+    std::vector<PendingInline> pending;
+    pending.swap(_pendingInlines);
+    for (PendingInline& inlined : pending)
+        loadInline(inlined);
+    pending.clear();
+    std::vector<PendingRoute> routes;
+    routes.swap(_pendingRoutes);
+    for (const PendingRoute& r : routes)
+        routeIn(*r.nameSpace, r.from, r.fromField, r.to, r.toField, r.place);
+}
+
+namespace {
+
+std::string canonicalPath(const std::string& path)
+{
+    std::error_code error;
+    std::filesystem::path made = std::filesystem::weakly_canonical(path, error);
+    return error ? path : made.string();
+}
+
+} // namespace
+
+std::string SceneBuilder::inlineRefusal(const std::string& canonical)
+{
+    SceneBuilder* outermost = this;
+    for (SceneBuilder* b = this; b; b = b->_outer) {
+        if (b->_canonical.empty()) {
+            Pordane::URL own(b->_url);
+            if (own.isLocal())
+                b->_canonical = canonicalPath(own.localPath());
+        }
+        if (b->_canonical == canonical)
+            return "is being read around this Inline (a cycle)";
+        outermost = b;
+    }
+    if (outermost->_inlineCount >= MaxInlineFiles)
+        return "is one file too many (one load inlines at most " + std::to_string(MaxInlineFiles) + " files)";
+    ++outermost->_inlineCount;
+    return std::string();
+}
+
+void SceneBuilder::loadInline(PendingInline& pending)
+{
+    Node&       node = *pending.node;
+    InlineProc* proc = InlineProc::of(node);
+    SceneBuilder& inner = *pending.scene;
+    auto*       urls = dynamic_cast<MFString*>(node.findField(std::string("url")));
+    if (!proc || !urls)
+        return;
+    std::string reasons;
+    auto refuse = [&](const std::string& url, const std::string& why) {
+        reasons += (reasons.empty() ? "'" : "; '") + url + "' " + why;
+    };
+    bool loaded = false;
+    for (const std::string& entry : urls->value()) {
+        Pordane::URL location = Pordane::URL(_url).resolve(entry);
+        if (!location.isLocal()) {
+            ORV_NOTICE("%s:%d:%d: Inline url '%s' is not local; not fetched\n", _url.c_str(), pending.place.line,
+                       pending.place.column, entry.c_str());
+            continue;
+        }
+        if (_inlineDepth >= MaxInlineDepth) {
+            refuse(entry, "is nested deeper than " + std::to_string(MaxInlineDepth) + " files");
+            break;
+        }
+        const std::string path = location.localPath();
+        std::string content, why;
+        if (!SceneLoader::readFile(path, content, &why)) {
+            refuse(entry, why);
+            continue;
+        }
+        const std::string canonical = canonicalPath(path);
+        if (std::string refusal = inlineRefusal(canonical); !refusal.empty()) {
+            refuse(entry, refusal);
+            continue;
+        }
+        inner._url = location.str();
+        inner._canonical = canonical;
+        if (!SceneLoader::readScene(inner, content)) {
+            refuse(entry, "holds no scene");
+            continue;
+        }
+        proc->setFile(inner._url);
+        loaded = true;
+        break;
+    }
+    if (loaded)
+        inner.finish();  // reads the files that the inlined one inlines
+    // Faults of the inlined files were logged with their own names; they count for this load.
+    _errors.insert(_errors.end(), inner._errors.begin(), inner._errors.end());
+    if (!loaded) {
+        proc->drop();
+        if (!reasons.empty())
+            error(pending.place, "Inline loads no file: " + reasons);
+    }
+}
+
 SmartPtr<Node> SceneBuilder::finish()
 {
     if (!_root)
         return _root;
+    loadInlines();
     auto setText = [&](unsigned id, const std::string& text) { _root->findField(id)->setValueByStr(0.0, text.c_str()); };
     setText(EncodingPart, _header.encoding);
     setText(VersionPart, _header.version);

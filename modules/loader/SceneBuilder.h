@@ -6,6 +6,7 @@
 #include "base/SmartPtr.h"
 #include "modules/loader/LoaderExport.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +53,20 @@ public:
 
     const std::string& url() const { return _url; }
     void error(Place place, std::string message);
+
+    // --- Inline ---
+    // With inline loading on (off for a new builder; SceneLoader turns it on unless told not
+    // to), each Inline node placed in the scene outside prototypes, whose load is TRUE, gets
+    // the first local file of its url that reads (relative to this file; plain paths and file:
+    // URLs; other schemes are never fetched) read into a scene of its own, held by an
+    // InlineProc. The files are read when this one is done (in finish), so that nesting costs
+    // no stack; routes through imports of those scenes wait until then. A file that is being
+    // read around the Inline (a cycle), nesting beyond MaxInlineDepth files and more than
+    // MaxInlineFiles files for one load are refused. Faults of an inlined file keep its name.
+    static constexpr int MaxInlineDepth = 16;
+    static constexpr int MaxInlineFiles = 4096;
+    void setInlineLoading(bool on) { _inlineLoading = on; }
+    bool inlineLoading() const { return _inlineLoading; }
     const std::vector<LoadError>& errors() const { return _errors; }
 
     // --- header statements ---
@@ -128,9 +143,29 @@ private:
         NodeNameSpace*    nameSpace;
         ProtoDeclaration* proto;
     };
+    // An Inline waiting for its file, with the builder of its scene.
+    struct PendingInline {
+        SmartPtr<Node>                node;
+        std::unique_ptr<SceneBuilder> scene;
+        Place                         place;
+    };
+    // A ROUTE through an import of a scene still waiting to be read.
+    struct PendingRoute {
+        NodeNameSpace* nameSpace;
+        std::string    from, fromField, to, toField;
+        Place          place;
+    };
     NodeNameSpace& scope() const;
     NodeType*      standInType(const std::string& typeName);
     std::string    fieldLabel(const Field& field) const;
+    bool           routeIn(NodeNameSpace& ns, const std::string& a, const std::string& af, const std::string& b,
+                           const std::string& bf, Place place);
+    void           noteInline(Node& node, Place place);
+    bool           awaitsInline(const NodeNameSpace& ns, const std::string& name) const;
+    void           loadInlines();
+    void           loadInline(PendingInline& pending);
+    // Why the file at `canonical` may not be inlined here; empty when it may (and then counted).
+    std::string    inlineRefusal(const std::string& canonical);
 
     std::string            _url;
     std::vector<LoadError> _errors;
@@ -138,6 +173,14 @@ private:
     SmartPtr<Node>         _root;
     std::vector<Scope>     _scopes;
     std::string            _text;  // scratch for names turned into C strings
+
+    bool                       _inlineLoading = false;
+    SceneBuilder*              _outer = nullptr;  // the builder of the file that inlines this one
+    int                        _inlineDepth = 0;
+    int                        _inlineCount = 0;  // in the outermost builder: files inlined in all
+    std::string                _canonical;        // this file's path, for cycles; made on need
+    std::vector<PendingInline> _pendingInlines;
+    std::vector<PendingRoute>  _pendingRoutes;
 };
 
 } // namespace Orvane

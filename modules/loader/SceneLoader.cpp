@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <list>
 #include <sstream>
 #include <ostream>
@@ -82,19 +83,42 @@ bool SceneLoader::inflate(std::string& content)
     return good;
 }
 
-bool SceneLoader::readFile(const std::string& url, std::string& content)
+bool SceneLoader::readFile(const std::string& url, std::string& content, std::string* reason)
 {
-    Pordane::URL location(url);
-    if (!location.readFile(content))
-        return false;
-    if (!inflate(content)) {
-        ORV_WARNING("%s: broken gzip data\n", url.c_str());
-        return false;
-    }
-    return true;
+    content.clear();
+    Pordane::URL      location(url);
+    const std::string path = location.isLocal() ? location.localPath() : std::string();
+    std::error_code   error;
+    const auto        status = std::filesystem::status(path, error);
+    const char*       why = nullptr;
+    if (path.empty())
+        why = "is no local file";
+    else if (!std::filesystem::exists(status))
+        why = "does not exist";
+    else if (!std::filesystem::is_regular_file(status))
+        why = "is no regular file";
+    else if (std::filesystem::file_size(path, error) > MaxInflatedSize)
+        why = "is too large";
+    else if (!Pordane::URL::readLocalFile(path, content))
+        why = "cannot be read";
+    else if (!inflate(content))
+        why = "holds broken or too large gzip data";
+    if (!why)
+        return true;
+    content.clear();
+    if (reason)
+        *reason = why;
+    else
+        ORV_WARNING("%s %s\n", url.c_str(), why);
+    return false;
 }
 
-LoadedScene SceneLoader::loadData(std::string data, const std::string& url)
+bool SceneLoader::readScene(SceneBuilder& builder, std::string& data)
+{
+    return isXml(data) ? XMLReader(builder).read(data) : ClassicReader(builder).read(data);
+}
+
+LoadedScene SceneLoader::loadData(std::string data, const std::string& url, const LoadOptions& options)
 {
     LoadedScene scene;
     if (!inflate(data)) {
@@ -103,16 +127,18 @@ LoadedScene SceneLoader::loadData(std::string data, const std::string& url)
         return scene;
     }
     SceneBuilder builder(url);
-    const bool   read = isXml(data) ? XMLReader(builder).read(data) : ClassicReader(builder).read(data);
+    builder.setInlineLoading(options.loadInlines);
+    const bool read = readScene(builder, data);
+    // Finishing reads the inlined files, whose faults join the scene's.
+    SmartPtr<Node> root = builder.finish();
     scene.header = builder.header();
     scene.errors = builder.errors();
-    SmartPtr<Node> root = builder.finish();
     if (read)
         scene.root = root;
     return scene;
 }
 
-LoadedScene SceneLoader::load(const std::string& url)
+LoadedScene SceneLoader::load(const std::string& url, const LoadOptions& options)
 {
     std::string data;
     if (!Pordane::URL(url).readFile(data)) {
@@ -120,7 +146,7 @@ LoadedScene SceneLoader::load(const std::string& url)
         scene.errors.push_back({url, 0, 0, "cannot read the file"});
         return scene;
     }
-    return loadData(std::move(data), url);
+    return loadData(std::move(data), url, options);
 }
 
 SceneHeader SceneLoader::header(const Node& root)
@@ -192,10 +218,11 @@ SmartPtr<NodeNameSpace> resolvePrototypes(const std::string& url)
 {
     if (!Pordane::URL(url).isLocal())
         return {};
-    LoadedScene scene = SceneLoader::load(url);
+    // The namespace keeps its prototypes; the scene's own nodes, and so its inlines, are not
+    // needed.
+    LoadedScene scene = SceneLoader::load(url, LoadOptions{false});
     if (!scene.root)
         return {};
-    // The namespace keeps its prototypes; the scene's own nodes are not needed.
     return SmartPtr<NodeNameSpace>(&scene.root->nameSpace());
 }
 

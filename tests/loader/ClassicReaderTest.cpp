@@ -41,11 +41,12 @@ TEST_P(ClassicReaderTest, ReadsWritesAndReadsBackTheSame)
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, ClassicReaderTest,
-                         ::testing::Values("classic-all.wrl", "classic-x3d.x3dv", "classic-x3d-gz.bin"));
+                         ::testing::Values("classic-all.wrl", "classic-x3d.x3dv", "classic-x3d-gz.bin",
+                                           "inline-host.x3dv"));
 // XML scenes, written back as VRML, read by the classic reader into the same scene.
 INSTANTIATE_TEST_SUITE_P(XMLScenes, ClassicReaderTest,
                          ::testing::Values("xml-nodes.x3d", "xml-protos.x3d", "xml-script.x3d", "both.x3d",
-                                           "both-x3d-gz.bin"));
+                                           "both-x3d-gz.bin", "inline-host.x3d"));
 
 TEST(ClassicReader, ValuesSharingPrototypesAndScripts)
 {

@@ -55,7 +55,8 @@ TEST_P(RoundTrip, WrittenSceneReadsBackTheSame)
 INSTANTIATE_TEST_SUITE_P(Scenes, RoundTrip,
                          ::testing::Combine(::testing::Values("classic-all.wrl", "classic-x3d.x3dv", "protos.wrl",
                                                              "both.x3dv", "xml-nodes.x3d", "xml-protos.x3d",
-                                                             "xml-script.x3d", "both.x3d"),
+                                                             "xml-script.x3d", "both.x3d", "inline-host.x3dv",
+                                                             "inline-host.x3d"),
                                             ::testing::Bool()));
 
 // One scene written for the tests in both encodings writes the same X3D classic text.

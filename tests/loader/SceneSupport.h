@@ -34,7 +34,8 @@ inline std::string write(Node& root)
     return out.str();
 }
 
-// What makes two scenes equal here: nodes by type, DEF names with their types, routes.
+// What makes two scenes equal here: nodes by type, DEF names with their types, routes, and
+// imports with the node each reaches.
 inline std::multiset<std::string> shape(Node& root)
 {
     std::multiset<std::string> out;
@@ -47,6 +48,10 @@ inline std::multiset<std::string> shape(Node& root)
     for (Route* r : routes)
         out.insert("ROUTE " + r->outSlot().field().owner().name() + "." + r->outSlot().field().findName() + " " +
                    r->inSlot().field().owner().name() + "." + r->inSlot().field().findName());
+    for (const NodeNameSpace::Import& import : root.nameSpace().importVec()) {
+        Node* node = import.from ? import.from->getExportedNode(import.exportName) : nullptr;
+        out.insert("IMPORT " + import.localName + " " + (node ? node->type().name() + " " + node->name() : "-"));
+    }
     return out;
 }
 

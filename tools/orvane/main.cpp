@@ -2,7 +2,9 @@
 //   orvane convert IN [-o OUT] [--to x3d|x3dv|wrl|graph] [--graph] [--exact]
 //       write the scene in the encoding that OUT's name says (.x3d X3D XML, .x3dv X3D classic,
 //       .wrl or anything else VRML 2.0), or that --to says; standard output is VRML 2.0
-//   orvane info IN                                   header, nodes, names, routes, prototypes
+//   orvane info IN                                   header, nodes, names, routes, prototypes,
+//                                                    inlined files
+// Inline nodes load their local files unless --no-inline is given (to either command).
 // "-" is standard input or output. Exit status: 0 read without errors, 1 read with errors
 // (listed on standard error as file:line:column: message), 2 not read at all.
 #include "base/GXDWriteAction.h"
@@ -18,6 +20,7 @@
 #include "base/VRMLWriteAction.h"
 #include "base/X3DClassicWriteAction.h"
 #include "base/X3DWriteAction.h"
+#include "modules/loader/InlineProc.h"
 #include "modules/loader/SceneLoader.h"
 
 #include <cstdio>
@@ -35,18 +38,18 @@ namespace {
 
 int usage()
 {
-    std::fprintf(stderr, "usage: orvane convert IN [-o OUT] [--to x3d|x3dv|wrl|graph] [--graph] [--exact]\n"
-                         "       orvane info IN\n"
+    std::fprintf(stderr, "usage: orvane convert IN [-o OUT] [--to x3d|x3dv|wrl|graph] [--graph] [--exact] [--no-inline]\n"
+                         "       orvane info IN [--no-inline]\n"
                          "IN and OUT may be '-' for standard input and output.\n");
     return 2;
 }
 
-LoadedScene readScene(const std::string& in)
+LoadedScene readScene(const std::string& in, const LoadOptions& options)
 {
     if (in != "-")
-        return SceneLoader::load(in);
+        return SceneLoader::load(in, options);
     std::string data((std::istreambuf_iterator<char>(std::cin)), std::istreambuf_iterator<char>());
-    return SceneLoader::loadData(std::move(data), "<stdin>");
+    return SceneLoader::loadData(std::move(data), "<stdin>", options);
 }
 
 // Errors on standard error; the exit status for the scene.
@@ -76,6 +79,7 @@ int convert(int argc, char** argv)
 {
     std::string in, out = "-", to;
     bool exact = false;
+    LoadOptions options;
     for (int i = 0; i < argc; ++i) {
         if (!std::strcmp(argv[i], "-o") && i + 1 < argc)
             out = argv[++i];
@@ -85,6 +89,8 @@ int convert(int argc, char** argv)
             to = "graph";
         else if (!std::strcmp(argv[i], "--exact"))
             exact = true;
+        else if (!std::strcmp(argv[i], "--no-inline"))
+            options.loadInlines = false;
         else if (in.empty() && (argv[i][0] != '-' || !std::strcmp(argv[i], "-")))
             in = argv[i];
         else
@@ -94,7 +100,7 @@ int convert(int argc, char** argv)
         to = endsWith(out, ".x3d") ? "x3d" : endsWith(out, ".x3dv") ? "x3dv" : "wrl";
     if (in.empty() || (to != "x3d" && to != "x3dv" && to != "wrl" && to != "graph"))
         return usage();
-    LoadedScene scene = readScene(in);
+    LoadedScene scene = readScene(in, options);
     int status = report(scene, in);
     if (!scene.readable())
         return status;
@@ -125,10 +131,19 @@ int convert(int argc, char** argv)
 
 int info(int argc, char** argv)
 {
-    if (argc != 1)
+    std::string in;
+    LoadOptions options;
+    for (int i = 0; i < argc; ++i) {
+        if (!std::strcmp(argv[i], "--no-inline"))
+            options.loadInlines = false;
+        else if (in.empty() && (argv[i][0] != '-' || !std::strcmp(argv[i], "-")))
+            in = argv[i];
+        else
+            return usage();
+    }
+    if (in.empty())
         return usage();
-    std::string in = argv[0];
-    LoadedScene scene = readScene(in);
+    LoadedScene scene = readScene(in, options);
     if (scene.readable()) {
         const SceneHeader& h = scene.header;
         std::printf("header: #%s V%s %s\n", h.encoding.c_str(), h.version.c_str(), h.charset.c_str());
@@ -176,6 +191,13 @@ int info(int argc, char** argv)
         std::printf("prototypes: %zu\n", protos.size());
         for (NodeType* p : protos)
             std::printf("  %s\n", p->name().c_str());
+        std::vector<std::string> inlined;
+        for (Node* node : nodes)
+            if (InlineProc* proc = InlineProc::of(*node); proc && proc->scene())
+                inlined.push_back((node->hasName() ? node->name() + ": " : std::string()) + proc->file());
+        std::printf("inlined files: %zu\n", inlined.size());
+        for (const auto& file : inlined)
+            std::printf("  %s\n", file.c_str());
     }
     std::printf("errors: %zu\n", scene.errors.size());
     std::fflush(stdout);
