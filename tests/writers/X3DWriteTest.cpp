@@ -28,7 +28,10 @@ namespace {
 
 LoadedScene load(const std::string& text)
 {
-    LoadedScene scene = SceneLoader::loadData(text, "test.x3dv");
+    // Inlines get their scenes from the tests, not from files.
+    LoadOptions options;
+    options.loadInlines = false;
+    LoadedScene scene = SceneLoader::loadData(text, "test.x3dv", options);
     for (const LoadError& e : scene.errors)
         ADD_FAILURE() << e.line << ":" << e.column << ": " << e.message;
     return scene;
