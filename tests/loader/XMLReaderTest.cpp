@@ -1,6 +1,7 @@
 // The XML reader: each test scene reads as intended (and, written back, as the classic reader
-// reads it: see ClassicReaderTest), faults are reported at their line and column with the rest loaded, and hostile documents are
-// read or refused in bounded time.
+// reads it: see ClassicReaderTest; the one scene in both encodings: see RoundTripTest), faults
+// are reported at their line and column with the rest loaded, and hostile documents are read or
+// refused in bounded time.
 #include "base/Context.h"
 #include "base/MFNode.h"
 #include "base/ProtoInstance.h"
@@ -96,20 +97,6 @@ TEST(XMLReader, ScriptAndShaderFieldsAndSources)
     ASSERT_NE(parts, nullptr);
     ASSERT_EQ(parts->size(), 1u);
     EXPECT_EQ(text(*parts->childNode(0), "url"), "\"void main() { gl_Position = vec4(0.0); }\"");
-}
-
-TEST(XMLReader, OneSceneInBothEncodingsReadsTheSame)
-{
-    LogCapture  log;
-    LoadedScene classic = SceneLoader::load(data("both.x3dv"));
-    LoadedScene xml = SceneLoader::load(data("both.x3d"));
-    ASSERT_TRUE(classic.readable() && xml.readable());
-    EXPECT_TRUE(classic.errors.empty() && xml.errors.empty());
-    EXPECT_EQ(shape(*xml.root), shape(*classic.root));
-    EXPECT_EQ(write(*xml.root), write(*classic.root));
-    EXPECT_EQ(xml.header.profile, classic.header.profile);
-    EXPECT_EQ(xml.header.components, classic.header.components);
-    EXPECT_EQ(xml.header.meta, classic.header.meta);
 }
 
 TEST(XMLReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
