@@ -2,7 +2,6 @@
 // reads it: see ClassicReaderTest; the one scene in both encodings: see RoundTripTest), faults
 // are reported at their line and column with the rest loaded, and hostile documents are read or
 // refused in bounded time.
-#include "base/Context.h"
 #include "base/MFNode.h"
 #include "base/ProtoInstance.h"
 #include "modules/loader/XMLReader.h"
@@ -162,10 +161,6 @@ TEST(XMLReader, TheReaderIsChosenByContent)
     };
     for (const auto& [content, xml] : cases)
         EXPECT_EQ(SceneLoader::isXml(content), xml) << content;
-    LogCapture        log;
-    SmartPtr<Context> context(Context::create("xml loading"));
-    EXPECT_TRUE(context->load(data("both.x3d"), Context::ReplaceLoad));
-    context->exit();
 }
 
 // --- hostile documents: nothing is expanded, fetched or recursed into beyond the limit ---
