@@ -71,11 +71,11 @@ const char* readInto(Field& field, const char* p, const char* last, char close)
     for (;;) {
         while (p < last && SceneBuilder::isSeparator(*p))
             ++p;
-        if (p >= last || *p == close)
+        if (p >= last || (close && *p == close))
             break;
         typename C::Scalar value{};
         p = number(p, last, value);
-        if (!p || (p < last && *p != close && !SceneBuilder::isSeparator(*p)))
+        if (!p || (p < last && !(close && *p == close) && !SceneBuilder::isSeparator(*p)))
             return nullptr;
         C::set(element, component, value);
         if (++component == C::count) {

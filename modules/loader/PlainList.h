@@ -11,9 +11,9 @@ class Field;
 // left to the full path, which reads and reports it; the fast path then changes nothing.
 class PlainList {
 public:
-    // Reads [p, last) up to `close` into `field` (a multi-value field of numbers) and processes
-    // the change as a text setter does; returns the position of `close`, or null when the list
-    // is not plain or the field holds no numbers.
+    // Reads [p, last) up to `close` (to `last` when `close` is NUL) into `field`, a multi-value
+    // field of numbers, and processes the change as a text setter does; returns where the list
+    // ended, or null when it is not plain or the field holds no numbers.
     static const char* read(Field& field, const char* p, const char* last, char close);
 };
 

@@ -166,8 +166,8 @@ TEST(ClassicReader, ContextLoadReadsThroughTheObserver)
 }
 
 // Long lists of plain numbers take a shorter way into their fields than other value text: every
-// list holds exactly what the field's text setter makes of the same text, and the lists the
-// value check refuses are refused.
+// list, bracketed or as an XML attribute, holds exactly what the field's text setter makes of
+// the same text, and the lists the value check refuses are refused.
 TEST(ClassicReader, NumberListsHoldWhatTheTextSetterReads)
 {
     const struct {
@@ -205,6 +205,13 @@ TEST(ClassicReader, NumberListsHoldWhatTheTextSetterReads)
         EXPECT_EQ(scene.errors.size(), c.fits ? 1u : 2u);
         Field& field = *named(scene, "N")->findField(std::string(c.field));
         const std::string read = field.getBinValue();
+        // The same list as an XML attribute reads the same.
+        LoadedScene xml = SceneLoader::loadData(std::string("<X3D profile='Interchange' version='4.0'><Scene><") + c.node + " DEF='N' " + c.field + "='" +
+                                                    c.list + "'/></Scene></X3D>",
+                                                "list.x3d");
+        ASSERT_TRUE(xml.readable());
+        EXPECT_EQ(xml.errors.size(), c.fits ? 0u : 1u);
+        EXPECT_EQ(named(xml, "N")->findField(std::string(c.field))->getBinValue(), read);
         if (c.fits) {
             field.setValueByStr(0.0, c.list);
             EXPECT_EQ(field.getBinValue(), read);
