@@ -299,7 +299,7 @@ private:
     private:
         NodePart* placed(std::size_t i) const
         {
-            return (_built >> i) & 1u ? std::launder(reinterpret_cast<NodePart*>(_area + _layout->fieldOffsets[i]))
+            return i < 64 && ((_built >> i) & 1u) ? std::launder(reinterpret_cast<NodePart*>(_area + _layout->fieldOffsets[i]))
                                       : nullptr;
         }
         // Moves the parts into a table with room for `capacity`.

@@ -1,5 +1,7 @@
 #include "modules/loader/ClassicReader.h"
 
+#include "modules/loader/PlainList.h"
+
 #include "base/Field.h"
 #include "base/FieldType.h"
 #include "base/NodePart.h"
@@ -156,6 +158,28 @@ bool ClassicReader::plainList(std::string_view& out)
         }
     }
     return false;
+}
+
+bool ClassicReader::plainNumbers(Field& field)
+{
+    if (peek().kind != OpenBracket)
+        return false;
+    const State start = save();
+    next();
+    const char* first = _src.data() + _pos;
+    const char* close = PlainList::read(field, first, _src.data() + _src.size(), ']');
+    if (!close) {
+        restore(start);
+        return false;
+    }
+    // The lines the list spans, for the places of what follows.
+    for (const char* p = first; p < close; ++p)
+        if (*p == '\n') {
+            ++_line;
+            _lineStart = static_cast<std::size_t>(p - _src.data()) + 1;
+        }
+    _pos = static_cast<std::size_t>(close - _src.data()) + 1;
+    return true;
 }
 
 ClassicReader::Token ClassicReader::peek()
@@ -498,6 +522,8 @@ void ClassicReader::fieldValue(Node& node, Field& field, int depth)
     }
     const bool single = field.cardinality() == Field::Single;
     const bool isString = type == SFStringType || type == MFStringType;
+    if (!single && !isString && plainNumbers(field))
+        return;
     std::string_view text;
     SceneBuilder::Place place;
     if (!valueText(single, isString, text, place)) {

@@ -67,6 +67,9 @@ private:
     // A bracketed list of plain words after its '[', up to and past its ']'; false (nothing
     // consumed) when the list holds anything else.
     bool  plainList(std::string_view& out);
+    // A bracketed list of plain numbers read straight into `field`; false, with nothing read,
+    // when the value is anything else.
+    bool  plainNumbers(Field& field);
     bool  urlList(std::vector<std::string>& urls);
     void  skipValue();
     void  skipBlock(TokenKind open, TokenKind close);

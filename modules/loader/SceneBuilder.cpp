@@ -1,5 +1,7 @@
 #include "modules/loader/SceneBuilder.h"
 
+#include "modules/loader/PlainList.h"
+
 #include "base/Field.h"
 #include "base/FieldType.h"
 #include "base/Log.h"
@@ -367,6 +369,8 @@ bool SceneBuilder::setValue(Field& field, std::string_view text, Place place, bo
         error(place, "field " + fieldLabel(field) + " holds nodes, not a value");
         return false;
     }
+    if (field.cardinality() == Field::Multi && PlainList::read(field, text.data(), text.data() + text.size(), '\0'))
+        return true;
     if (!fits(field.dataTypeName(), text)) {
         error(place, "value does not fit " + field.dataTypeName() + " field " + fieldLabel(field));
         return false;

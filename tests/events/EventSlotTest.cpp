@@ -9,7 +9,7 @@
 #include "base/SFString.h"
 #include "base/Subject.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/TestNodes.h"
+#include "tests/support/TypeScope.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 #include "base/SFFloat.h"
 #include "base/Subject.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/TestNodes.h"
+#include "tests/support/TypeScope.h"
 
 #include <gtest/gtest.h>
 
@@ -31,17 +31,15 @@ struct HookProc : NodeProc {
 
 enum Part : unsigned { F, I, Any, Plain };
 
+// Two types of the same parts, each in a scope of its own.
+const std::vector<PartSpec> parts = {{"f", ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess},
+                                     {"i", ExposedFieldPartType, SFInt32Type, NodePartDesc::CtorAutoProcess},
+                                     {"any", ExposedFieldPartType, SFAnyType},
+                                     {"plain", FieldPartType, SFFloatType}};
+
 struct RouteTest : ::testing::Test {
-    TestNodeType out{"Out",
-                     {{"f", ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess},
-                      {"i", ExposedFieldPartType, SFInt32Type, NodePartDesc::CtorAutoProcess},
-                      {"any", ExposedFieldPartType, SFAnyType},
-                      {"plain", FieldPartType, SFFloatType}}};
-    TestNodeType in{"In",
-                    {{"f", ExposedFieldPartType, SFFloatType, NodePartDesc::CtorAutoProcess},
-                     {"i", ExposedFieldPartType, SFInt32Type, NodePartDesc::CtorAutoProcess},
-                     {"any", ExposedFieldPartType, SFAnyType},
-                     {"plain", FieldPartType, SFFloatType}}};
+    TestNodeType out{"Out", parts};
+    TestNodeType in{"In", parts};
     SmartPtr<Node> a = out.make("A");
     SmartPtr<Node> b = in.make("B");
     std::vector<std::string> hooks;

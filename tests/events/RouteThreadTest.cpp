@@ -4,7 +4,7 @@
 #include "base/EventInSlot.h"
 #include "base/EventOutSlot.h"
 #include "base/Route.h"
-#include "tests/support/TestNodes.h"
+#include "tests/support/TypeScope.h"
 
 #include <gtest/gtest.h>
 

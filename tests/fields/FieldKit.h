@@ -57,7 +57,7 @@
 #include "base/SFVec4f.h"
 #include "base/XFAny.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/TestNodes.h"
+#include "tests/support/TypeScope.h"
 
 #include <gtest/gtest.h>
 

@@ -32,13 +32,7 @@ TEST(SceneGraphBackend, InstallReplacesAndNullRestoresTheDefault)
 {
     RestoreDefault     restore;
     SceneGraphBackend& standard = SceneGraphBackend::the();
-    char               name[] = "test";
-    char*              argv[] = {name, nullptr};
-    EXPECT_TRUE(standard.init(1, argv));
-    standard.setChangeListsReadWrite();
-    standard.clearChangeList();
-    standard.registerWorkerThread();
-    standard.exit();
+    EXPECT_TRUE(standard.init(0, nullptr));
 
     RecordingBackend recording;
     SceneGraphBackend::install(&recording);

@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
 #include <map>
 #include <sstream>
 
@@ -162,6 +164,62 @@ TEST(ClassicReader, ContextLoadReadsThroughTheObserver)
     EXPECT_TRUE(context->load(data("classic-x3d.x3dv"), Context::ReplaceLoad));
     EXPECT_FALSE(log.contains("No _loadContextSubject Observer, cannot load " + data("classic-x3d.x3dv") + "\n"));
     context->exit();
+}
+
+// Long lists of plain numbers take a shorter way into their fields than other value text: every
+// list, bracketed or as an XML attribute, holds exactly what the field's text setter makes of
+// the same text, and the lists the value check refuses are refused.
+TEST(ClassicReader, NumberListsHoldWhatTheTextSetterReads)
+{
+    const struct {
+        const char* node;
+        const char* field;
+        const char* list;
+        bool        fits;
+    } cases[] = {
+        {"Coordinate", "point", "1 2 3, 4 5 6,\n7 8 9", true},
+        {"Coordinate", "point", "-.5 5. 1e3 -0 1E-3 0.1", true},
+        {"Coordinate", "point", "+1 2 3", true},
+        {"Coordinate", "point", "1e400 -1e400 1e-400", true},
+        {"Coordinate", "point", "", true},
+        {"Coordinate", "point", "1 2", false},
+        {"Coordinate", "point", "-inf 0 0", false},
+        {"Coordinate", "point", "0x10 0 0", false},
+        {"Coordinate", "point", "1 2 3x", false},
+        {"ScalarInterpolator", "key", "0 0.25,0.5 1", true},
+        {"IndexedFaceSet", "coordIndex", "0 1 2 -1 3 4 5 -1", true},
+        {"IndexedFaceSet", "coordIndex", "0x1F -7", true},
+        {"IndexedFaceSet", "coordIndex", "99999999999 1", true},
+        {"IndexedFaceSet", "coordIndex", "1.5", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.node) + "." + c.field + " [ " + c.list + " ]");
+        LogCapture        log;
+        const std::string text = std::string("#VRML V2.0 utf8\nDEF N ") + c.node + " { " + c.field + " [ " + c.list +
+                                 " ] }\nBogus { }\n";
+        LoadedScene scene = SceneLoader::loadData(text, "list.wrl");
+        ASSERT_TRUE(scene.readable());
+        // The unknown node after the list is where the list's end says it is.
+        const int bogusLine = 3 + static_cast<int>(std::count(c.list, c.list + std::strlen(c.list), '\n'));
+        ASSERT_FALSE(scene.errors.empty());
+        EXPECT_EQ(scene.errors.back().line, bogusLine);
+        EXPECT_EQ(scene.errors.size(), c.fits ? 1u : 2u);
+        Field& field = *named(scene, "N")->findField(std::string(c.field));
+        const std::string read = field.getBinValue();
+        // The same list as an XML attribute reads the same.
+        LoadedScene xml = SceneLoader::loadData(std::string("<X3D profile='Interchange' version='4.0'><Scene><") + c.node + " DEF='N' " + c.field + "='" +
+                                                    c.list + "'/></Scene></X3D>",
+                                                "list.x3d");
+        ASSERT_TRUE(xml.readable());
+        EXPECT_EQ(xml.errors.size(), c.fits ? 0u : 1u);
+        EXPECT_EQ(named(xml, "N")->findField(std::string(c.field))->getBinValue(), read);
+        if (c.fits) {
+            field.setValueByStr(0.0, c.list);
+            EXPECT_EQ(field.getBinValue(), read);
+        } else {
+            EXPECT_EQ(field.size(), 0u);
+        }
+    }
 }
 
 TEST(ClassicReader, ListsAcrossLinesKeepLaterPlaces)

@@ -59,13 +59,20 @@ INSTANTIATE_TEST_SUITE_P(Scenes, RoundTrip,
                                                              "inline-host.x3d"),
                                             ::testing::Bool()));
 
-// One scene written for the tests in both encodings writes the same X3D classic text.
-TEST(RoundTrip, BothEncodingsWriteTheSameClassicText)
+// One scene written for the tests in both encodings reads into the same scene and header, and
+// writes the same text in every encoding.
+TEST(RoundTrip, OneSceneInBothEncodingsReadsAndWritesTheSame)
 {
     LogCapture  log;
     LoadedScene classic = SceneLoader::load(data("both.x3dv"));
     LoadedScene xml = SceneLoader::load(data("both.x3d"));
     ASSERT_TRUE(classic.readable() && xml.readable());
+    EXPECT_TRUE(classic.errors.empty() && xml.errors.empty());
+    EXPECT_EQ(shape(*xml.root), shape(*classic.root));
+    EXPECT_EQ(xml.header.profile, classic.header.profile);
+    EXPECT_EQ(xml.header.components, classic.header.components);
+    EXPECT_EQ(xml.header.meta, classic.header.meta);
+    EXPECT_EQ(write(*xml.root), write(*classic.root));
     EXPECT_EQ(writeAs(false, *xml.root), writeAs(false, *classic.root));
     EXPECT_EQ(writeAs(true, *xml.root), writeAs(true, *classic.root));
 }

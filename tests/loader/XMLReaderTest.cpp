@@ -1,7 +1,7 @@
 // The XML reader: each test scene reads as intended (and, written back, as the classic reader
-// reads it: see ClassicReaderTest), faults are reported at their line and column with the rest loaded, and hostile documents are
-// read or refused in bounded time.
-#include "base/Context.h"
+// reads it: see ClassicReaderTest; the one scene in both encodings: see RoundTripTest), faults
+// are reported at their line and column with the rest loaded, and hostile documents are read or
+// refused in bounded time.
 #include "base/MFNode.h"
 #include "base/ProtoInstance.h"
 #include "modules/loader/XMLReader.h"
@@ -98,20 +98,6 @@ TEST(XMLReader, ScriptAndShaderFieldsAndSources)
     EXPECT_EQ(text(*parts->childNode(0), "url"), "\"void main() { gl_Position = vec4(0.0); }\"");
 }
 
-TEST(XMLReader, OneSceneInBothEncodingsReadsTheSame)
-{
-    LogCapture  log;
-    LoadedScene classic = SceneLoader::load(data("both.x3dv"));
-    LoadedScene xml = SceneLoader::load(data("both.x3d"));
-    ASSERT_TRUE(classic.readable() && xml.readable());
-    EXPECT_TRUE(classic.errors.empty() && xml.errors.empty());
-    EXPECT_EQ(shape(*xml.root), shape(*classic.root));
-    EXPECT_EQ(write(*xml.root), write(*classic.root));
-    EXPECT_EQ(xml.header.profile, classic.header.profile);
-    EXPECT_EQ(xml.header.components, classic.header.components);
-    EXPECT_EQ(xml.header.meta, classic.header.meta);
-}
-
 TEST(XMLReader, FaultsAreReportedAtTheirPlaceAndTheRestLoads)
 {
     LogCapture  log;
@@ -175,10 +161,6 @@ TEST(XMLReader, TheReaderIsChosenByContent)
     };
     for (const auto& [content, xml] : cases)
         EXPECT_EQ(SceneLoader::isXml(content), xml) << content;
-    LogCapture        log;
-    SmartPtr<Context> context(Context::create("xml loading"));
-    EXPECT_TRUE(context->load(data("both.x3d"), Context::ReplaceLoad));
-    context->exit();
 }
 
 // --- hostile documents: nothing is expanded, fetched or recursed into beyond the limit ---

@@ -8,7 +8,7 @@
 #include "base/SFNode.h"
 #include "modules/x3d/X3DCatalog.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/TestNodes.h"
+#include "tests/support/TypeScope.h"
 
 #include <gtest/gtest.h>
 

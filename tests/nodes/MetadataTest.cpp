@@ -21,12 +21,11 @@ public:
 };
 
 struct MetadataTest : ::testing::Test {
-    std::unique_ptr<NodeTypeNameSpace> types{NodeTypeNameSpace::create("meta", &theBaseNodeTypeFactory())};
-    SmartPtr<NodeNameSpace>            nodes{new NodeNameSpace("meta", nullptr, types.get())};
-    NodeType type{*types, "TestMetadata", "Test", "MetadataObject", nullptr, "1.0", "Test", nullptr, "stable",
-                  nullptr, "Orvane", false, false, &MetadataObject::isType, &TestMetadata::create,
-                  &TestMetadata::createProc, nullptr, 0};
-    SmartPtr<Node> node{type.createNode(nodes.get(), "Info")};
+    TypeScope      scope{"meta"};
+    NodeType&      type = scope.declare("TestMetadata", "MetadataObject", {}, 5,
+                                        {.isType = &MetadataObject::isType, .create = &TestMetadata::create,
+                                         .proc = &TestMetadata::createProc});
+    SmartPtr<Node> node{type.createNode(&scope.nodes(), "Info")};
     TestMetadata&  meta = dynamic_cast<TestMetadata&>(*node);
 };
 
@@ -47,7 +46,7 @@ TEST_F(MetadataTest, TheAbstractTypeAndItsFields)
     EXPECT_EQ(abstract.part(1)->nodeType(), &abstract);
 
     LogCapture log;
-    EXPECT_EQ(MetadataObject::create(nodes.get(), "Abstract"), nullptr);
+    EXPECT_EQ(MetadataObject::create(&scope.nodes(), "Abstract"), nullptr);
     EXPECT_EQ(log.count("Could not create MetadataObject node in NodeType::createNode()\n"), 1) << log.all();
     EXPECT_TRUE(MetadataObject::init());
     EXPECT_EQ(log.count("Init MetadataObject: OK\n", LOG_INFO), 1);
@@ -59,7 +58,7 @@ TEST_F(MetadataTest, ANewMetadataNodeIsEnabledAndFitsTheMetadataField)
     EXPECT_TRUE(meta.enabled().valueIsDefault());
     EXPECT_TRUE(MetadataObject::isType(node.get()));
 
-    SmartPtr<Node> holder(NodeType::createNode(nodes.get(), "Node", "Holder", UnknownCreator));
+    SmartPtr<Node> holder(NodeType::createNode(&scope.nodes(), "Node", "Holder", UnknownCreator));
     auto&          slot = static_cast<SFNode&>(*holder->findField("metadata"));
     EXPECT_TRUE(slot.setNode(node.get()));
     EXPECT_EQ(holder->metadata()->node(), node.get());

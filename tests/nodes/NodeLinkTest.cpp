@@ -168,14 +168,12 @@ TEST_F(NodeLinkTest, LogFeaturesLogAddsAndRemovals)
     children().clear();
 }
 
-TEST_F(NodeLinkTest, NodeFieldsHaveNoTextOrBinaryForm)
+TEST_F(NodeLinkTest, NodeFieldsHaveNoTextForm)
 {
     LogCapture log;
     one().setValueByStr(0.0, "C");
     children().setValueByStr(0.0, "C");
     EXPECT_EQ(log.count("SFNode::setValueByStr( C ) is not impl.\n", LOG_WARNING), 1) << log.all();
     EXPECT_EQ(log.count("In MFNode::setValueByStr\n", LOG_WARNING), 1);
-    EXPECT_EQ(one().getBinSize(), 0u);
-    EXPECT_EQ(log.count("base/SFNode getBinSize not Impl\n", LOG_FATAL), 1);
     EXPECT_EQ(one().node(), nullptr);
 }

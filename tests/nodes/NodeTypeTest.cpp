@@ -235,6 +235,7 @@ TEST_F(NodeTypeTest, ContextRootTypesMakeANameSpaceOfTheirOwn)
     EXPECT_EQ(split->nameSpace().name(), "scene");
     EXPECT_EQ(split->name(), "top");
     EXPECT_EQ(split->nameSpace().root(), split.get());
+    EXPECT_EQ(split->nameSpace().findNode("top"), split.get());
     EXPECT_EQ(log.count("ContextRoot NameSpace: scene, Name: top\n", LOG_INFO), 1);
 
     SmartPtr<Node> plain(world.createNode(&scope.nodes(), "alone"));

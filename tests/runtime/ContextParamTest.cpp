@@ -8,7 +8,7 @@
 #include "base/SFString.h"
 #include "base/SFVec3f.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/TestNodes.h"
+#include "tests/support/TypeScope.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include "base/NodeProc.h"
 #include "base/Observer.h"
 #include "base/Subject.h"
-#include "tests/support/TestNodes.h"
+#include "tests/support/TypeScope.h"
 
 #include <functional>
 #include <memory>
@@ -19,25 +19,20 @@ namespace Orvane::Test {
 class SceneType {
 public:
     explicit SceneType(const char* name)
-        : _typeNameSpace(NodeTypeNameSpace::create(name, &theBaseNodeTypeFactory())),
-          _desc(0, PartMask::bit(0), ExposedFieldPartType, MFNodeType, 0, "children")
+        : _scope(name), _type(_scope.declare(name, nullptr, {{"children", ExposedFieldPartType, MFNodeType}}, 0,
+                                             {.contextRoot = true, .proc = &Node::createProc}))
     {
-        _type = std::make_unique<NodeType>(*_typeNameSpace, name, "Test", nullptr, nullptr, "1.0", "Test", nullptr,
-                                           "stable", nullptr, "Orvane", false, true, &Node::isNodeType,
-                                           &Node::createNode, &Node::createProc, &_desc, 1);
-        LogCapture quiet;
-        _type->initType();
+        _scope.initAll();
     }
 
-    NodeType& type() { return *_type; }
+    NodeType& type() { return _type; }
     // A root of the type, added to `context`.
-    Node* makeRoot(Context& context) { return _type->createNode(&context); }
+    Node* makeRoot(Context& context) { return _type.createNode(&context); }
     static MFNode& children(Node& root) { return *static_cast<MFNode*>(root.findField(0u)); }
 
 private:
-    std::unique_ptr<NodeTypeNameSpace> _typeNameSpace;
-    NodePartDesc                       _desc;
-    std::unique_ptr<NodeType>          _type;
+    TypeScope _scope;
+    NodeType& _type;
 };
 
 // The processor of a context root, handing the frame values over as a clock module would.

@@ -237,14 +237,6 @@ TEST_F(NodeNameSpaceTest, RootIsSetOnceAndLeavesWithItsNode)
     root = nullptr;
     EXPECT_EQ(nodes.root(), nullptr);
     EXPECT_TRUE(nodes.setRoot(*other));
-
-    // A context root type makes a namespace of its own for each node, with the node as root.
-    NodeType& world = scope.declare("World", "Node", {}, 2, TypeOptions{.contextRoot = true});
-    SmartPtr<Node> scene(world.createNode(nullptr, "Scene", SystemCreator));
-    ASSERT_TRUE(scene);
-    EXPECT_EQ(scene->nameSpace().root(), scene.get());
-    EXPECT_EQ(scene->nameSpace().name(), "world");
-    EXPECT_EQ(scene->nameSpace().findNode("Scene"), scene.get());
 }
 
 TEST_F(NodeNameSpaceTest, MetadataEntries)

@@ -43,33 +43,36 @@ struct RouteByNameTest : ::testing::Test {
     }
 };
 
+// The log line of a refused route: "Can't <what> ROUTE >A.f< TO >B.g<: <reason>", NULL for null names.
+struct Refused {
+    const char *from, *fromField, *to, *toField, *reason;
+
+    std::string line(const char* what) const
+    {
+        auto name = [](const char* n) { return std::string(n ? n : "NULL"); };
+        return "Can't " + std::string(what) + " ROUTE >" + name(from) + "." + name(fromField) + "< TO >" + name(to) +
+               "." + name(toField) + "<: " + reason + "\n";
+    }
+};
+
 TEST_F(RouteByNameTest, CreateRouteFailsWithEachReason)
 {
     LogCapture log;
-    auto failedWith = [&](const char* line) { return log.count(line, LOG_WARNING); };
-    EXPECT_EQ(ns.createRoute(nullptr, "value", "B", "value"), nullptr);
-    EXPECT_EQ(failedWith("Can't create ROUTE >NULL.value< TO >B.value<: Invalid fromNodeName\n"), 1) << log.all();
-    EXPECT_EQ(ns.createRoute("", "value", "B", "value"), nullptr);
-    EXPECT_EQ(failedWith("Can't create ROUTE >.value< TO >B.value<: Invalid fromNodeName\n"), 1);
-    EXPECT_EQ(ns.createRoute("Nobody", "value", "B", "value"), nullptr);
-    EXPECT_EQ(failedWith("Can't create ROUTE >Nobody.value< TO >B.value<: Invalid fromNode\n"), 1);
     // A plain field and an eventIn have no sending side; a missing field name finds nothing.
-    EXPECT_EQ(ns.createRoute("A", "plain", "B", "value"), nullptr);
-    EXPECT_EQ(ns.createRoute("A", "trigger", "B", "value"), nullptr);
-    EXPECT_EQ(ns.createRoute("A", "nothing", "B", "value"), nullptr);
-    EXPECT_EQ(ns.createRoute("A", nullptr, "B", "value"), nullptr);
-    EXPECT_EQ(failedWith("Can't create ROUTE >A.plain< TO >B.value<: Invalid outSlot\n"), 1);
-    EXPECT_EQ(failedWith("Can't create ROUTE >A.trigger< TO >B.value<: Invalid outSlot\n"), 1);
-    EXPECT_EQ(failedWith("Can't create ROUTE >A.nothing< TO >B.value<: Invalid outSlot\n"), 1);
-    EXPECT_EQ(failedWith("Can't create ROUTE >A.NULL< TO >B.value<: Invalid outSlot\n"), 1);
-    EXPECT_EQ(ns.createRoute("A", "value", nullptr, "value"), nullptr);
-    EXPECT_EQ(failedWith("Can't create ROUTE >A.value< TO >NULL.value<: Invalid toNodeName\n"), 1);
-    EXPECT_EQ(ns.createRoute("A", "value", "Nobody", "value"), nullptr);
-    EXPECT_EQ(failedWith("Can't create ROUTE >A.value< TO >Nobody.value<: Invalid toNode\n"), 1);
-    EXPECT_EQ(ns.createRoute("A", "value", "B", "fired"), nullptr);
-    EXPECT_EQ(ns.createRoute("A", "value", "B", "plain"), nullptr);
-    EXPECT_EQ(failedWith("Can't create ROUTE >A.value< TO >B.fired<: Invalid inSlot\n"), 1);
-    EXPECT_EQ(failedWith("Can't create ROUTE >A.value< TO >B.plain<: Invalid inSlot\n"), 1);
+    const Refused cases[] = {
+        {nullptr, "value", "B", "value", "Invalid fromNodeName"}, {"", "value", "B", "value", "Invalid fromNodeName"},
+        {"Nobody", "value", "B", "value", "Invalid fromNode"},    {"A", "plain", "B", "value", "Invalid outSlot"},
+        {"A", "trigger", "B", "value", "Invalid outSlot"},        {"A", "nothing", "B", "value", "Invalid outSlot"},
+        {"A", nullptr, "B", "value", "Invalid outSlot"},          {"A", "value", nullptr, "value", "Invalid toNodeName"},
+        {"A", "value", "Nobody", "value", "Invalid toNode"},      {"A", "value", "B", "fired", "Invalid inSlot"},
+        {"A", "value", "B", "plain", "Invalid inSlot"},
+    };
+    for (const Refused& c : cases) {
+        SCOPED_TRACE(c.line("create"));
+        log.clear();
+        EXPECT_EQ(ns.createRoute(c.from, c.fromField, c.to, c.toField), nullptr);
+        EXPECT_EQ(log.count(c.line("create"), LOG_WARNING), 1) << log.all();
+    }
     EXPECT_EQ(a->findField("plain")->getOutSlot(), nullptr);
 
     // SFFloat to SFInt32 passes unless the sending node's context forces equal types.
@@ -77,7 +80,8 @@ TEST_F(RouteByNameTest, CreateRouteFailsWithEachReason)
     context->addRoot(*a);
     static_cast<SFBool*>(context->paramField(Route::forceSingleDataTypeRouteParam()))->setValue(true);
     EXPECT_EQ(ns.createRoute("A", "value", "B", "count"), nullptr);
-    EXPECT_EQ(failedWith("Can't create ROUTE >A.value< TO >B.count<: Type mismatch\n"), 1) << log.all();
+    EXPECT_EQ(log.count(Refused{"A", "value", "B", "count", "Type mismatch"}.line("create"), LOG_WARNING), 1)
+        << log.all();
     context->removeRoot(sensor);
     EXPECT_NE(ns.createRoute("A", "value", "B", "count"), nullptr);
 }
@@ -114,19 +118,18 @@ TEST_F(RouteByNameTest, DeleteRouteByNames)
     send(*a, 2.0f);
     EXPECT_FLOAT_EQ(value(*b), 0.0f);
 
-    auto failedWith = [&](const char* line) { return log.count(line, LOG_WARNING); };
-    EXPECT_FALSE(ns.deleteRoute("A", "value", "B", "value"));
-    EXPECT_EQ(failedWith("Can't delete ROUTE >A.value< TO >B.value<: Type mismatch\n"), 1) << log.all();
-    EXPECT_FALSE(ns.deleteRoute(nullptr, "value", "B", "value"));
-    EXPECT_EQ(failedWith("Can't delete ROUTE >NULL.value< TO >B.value<: Invalid fromNode\n"), 1);
     // Deleting makes no slots: a field that never sent has no route to delete.
-    EXPECT_FALSE(ns.deleteRoute("A", "fired", "B", "value"));
-    EXPECT_EQ(failedWith("Can't delete ROUTE >A.fired< TO >B.value<: Invalid outSlot\n"), 1);
+    const Refused cases[] = {{"A", "value", "B", "value", "Type mismatch"},
+                             {nullptr, "value", "B", "value", "Invalid fromNode"},
+                             {"A", "fired", "B", "value", "Invalid outSlot"},
+                             {"A", "value", "Nobody", "value", "Invalid toNode"},
+                             {"A", "value", "B", "count", "Invalid inSlot"}};
+    for (const Refused& c : cases) {
+        log.clear();
+        EXPECT_FALSE(ns.deleteRoute(c.from, c.fromField, c.to, c.toField));
+        EXPECT_EQ(log.count(c.line("delete"), LOG_WARNING), 1) << log.all();
+    }
     EXPECT_EQ(a->findField("fired")->getOutSlot(), nullptr);
-    EXPECT_FALSE(ns.deleteRoute("A", "value", "Nobody", "value"));
-    EXPECT_EQ(failedWith("Can't delete ROUTE >A.value< TO >Nobody.value<: Invalid toNode\n"), 1);
-    EXPECT_FALSE(ns.deleteRoute("A", "value", "B", "count"));
-    EXPECT_EQ(failedWith("Can't delete ROUTE >A.value< TO >B.count<: Invalid inSlot\n"), 1);
     EXPECT_EQ(Route::routeCount(), routes - 1);
 }
 

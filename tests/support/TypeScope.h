@@ -1,6 +1,7 @@
 #ifndef ORVANE_TESTS_TYPESCOPE_H
 #define ORVANE_TESTS_TYPESCOPE_H
 
+#include "base/Field.h"
 #include "base/Log.h"
 #include "base/Node.h"
 #include "base/NodeLink.h"
@@ -11,7 +12,7 @@
 #include "base/NodeTypeNameSpace.h"
 #include "base/Observer.h"
 #include "base/SmartPtr.h"
-#include "tests/support/TestNodes.h"
+#include "tests/support/LogCapture.h"
 
 #include <list>
 #include <memory>
@@ -19,6 +20,15 @@
 #include <vector>
 
 namespace Orvane::Test {
+
+struct PartSpec {
+    const char*      name;
+    NodePartType     partType;
+    NodePartDataType dataType;
+    unsigned         flags = 0;
+    const char*      defaultValue = nullptr;
+    const char*      valueType = nullptr;
+};
 
 // An observer callback that counts its calls in the int its user data points to.
 inline void countCall(const double&, Observer*, BaseObject*, BaseObject*, BaseObject*, const void* user)
@@ -68,6 +78,10 @@ struct TypeOptions {
     bool        contextRoot = false;
     const char* component = "Test";
     const char* comment = nullptr;
+    // The type's own node class and processor, instead of plain nodes with a TraceProc.
+    NodeType::TypeCheckFunc isType = &Node::isNodeType;
+    NodeType::CreateFunc    create = nullptr;
+    NodeType::ProcFactory   proc = nullptr;
 };
 
 // Node types declared for one test in a type namespace of their own, below the base one, with a
@@ -102,9 +116,10 @@ public:
         }
         _declared.push_back(std::make_unique<NodeType>(
             *_types, name, "Test", parent, options.defaultDescendantOf, "1.0", options.component, options.comment,
-            options.status, nullptr, "Orvane", false, options.contextRoot, &Node::isNodeType,
-            options.abstract ? nullptr : &TypeScope::createNode, options.abstract ? nullptr : &TypeScope::createProc,
-            descs.data(), static_cast<unsigned>(descs.size())));
+            options.status, nullptr, "Orvane", false, options.contextRoot, options.isType,
+            options.create ? options.create : options.abstract ? nullptr : &Node::createNode,
+            options.proc ? options.proc : options.abstract ? nullptr : &TypeScope::createProc, descs.data(),
+            static_cast<unsigned>(descs.size())));
         return *_declared.back();
     }
 
@@ -134,13 +149,35 @@ public:
     }
 
 private:
-    static Node*     createNode(NodeType& type, NodeNameSpace& ns, const char* name) { return Node::createNode(type, ns, name); }
     static NodeProc* createProc(NodeType&, Node& node) { return new TraceProc(node, trace()); }
 
     std::unique_ptr<NodeTypeNameSpace>     _types;
     SmartPtr<NodeNameSpace>                _nodes;
     std::list<std::vector<NodePartDesc>>   _descs;
     std::vector<std::unique_ptr<NodeType>> _declared;
+};
+
+// A node type declared by a test: descriptor i has ID i and mask bit i. The type is a root type
+// of its own (it does not inherit the base type's two fields), in a scope of its own so that
+// tests may reuse names; its nodes get the plain processor.
+class TestNodeType {
+public:
+    TestNodeType(const char* name, std::vector<PartSpec> parts)
+        : _scope(name), _type(_scope.declare(name, nullptr, std::move(parts), 0, {.proc = &Node::createProc}))
+    {
+        // A root type of its own is not the root of the node type tree, which initType reports.
+        _scope.initAll();
+    }
+
+    NodeType&      type() { return _type; }
+    NodeNameSpace& nameSpace() { return _scope.nodes(); }
+
+    // A new node of the type, in Setup, with its fields made and held by the returned pointer.
+    SmartPtr<Node> make(const char* name = nullptr) { return SmartPtr<Node>(_type.createNode(&_scope.nodes(), name)); }
+
+private:
+    TypeScope _scope;
+    NodeType& _type;
 };
 
 } // namespace Orvane::Test

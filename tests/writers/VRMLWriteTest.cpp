@@ -281,18 +281,13 @@ TEST_F(VRMLWriteTest, ImportRoutesBridgeAnUnnamedNode)
 
 TEST_F(VRMLWriteTest, AbstractTypeProcInfoTabsAndSkips)
 {
-    TypeScope  local("abstract");
-    TypeOptions abstract;
-    abstract.abstract = true;
-    local.declare("Light", "Node", {}, 2, abstract);
-    TypeOptions impl;
-    impl.defaultDescendantOf = "Light";
-    local.declare("FastLight", "Light", {}, 2, impl);
+    TypeScope local("abstract");
+    NodeType& light = local.declare("Light", "Node", {}, 2, {.abstract = true});
+    local.declare("FastLight", "Light", {}, 2, {.defaultDescendantOf = "Light"});
     local.declare("Group", "Node", {{"children", ExposedFieldPartType, MFNodeType}});
     local.initAll();
-    local.types().findLocalType("Light")->setDefaultDescendant(local.types().findLocalType("FastLight"));
-    SmartPtr<Node> root = local.make("Group"), light = local.make("FastLight");
-    add(*root, *light);
+    SmartPtr<Node> root = local.make("Group"), fast = local.make("FastLight");
+    add(*root, *fast);
 
     std::string expected = std::string(header) + "Group {\n  children [\n    Light {\n    }\n  ]\n  }\n\n\n";
     EXPECT_EQ(write(*root), expected);
@@ -304,7 +299,7 @@ TEST_F(VRMLWriteTest, AbstractTypeProcInfoTabsAndSkips)
         using NodeProc::NodeProc;
         std::string info() const override { return "busy"; }
     };
-    light->setProc(new InfoProc(*light));
+    fast->setProc(new InfoProc(*fast));
     VRMLWriteAction tabs;
     tabs.setUseTAB(true);
     tabs.setWriteProcInfo(true);
@@ -313,10 +308,10 @@ TEST_F(VRMLWriteTest, AbstractTypeProcInfoTabsAndSkips)
 
     // A skipped type leaves the list without nodes, which is then not written at all.
     VRMLWriteAction skipping;
-    skipping.addSkipType(*local.types().findLocalType("Light"));
+    skipping.addSkipType(light);
     EXPECT_EQ(write(skipping, *root), std::string(header) + "Group {\n  }\n\n\n");
     root = nullptr;
-    light = nullptr;
+    fast = nullptr;
 }
 
 TEST_F(VRMLWriteTest, FilesAndOptionsAfterReset)
