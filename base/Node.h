@@ -4,6 +4,7 @@
 #include "base/AttachmentBag.h"
 #include "base/BitVector.h"
 #include "base/NodeLayout.h"
+#include "base/NodePart.h"
 
 #include <cstddef>
 #include <cstdint>
