@@ -55,6 +55,8 @@
 
 #include <deque>
 #include <new>
+#include <type_traits>
+#include <utility>
 
 namespace Orvane {
 
@@ -67,6 +69,30 @@ Field* place(void* at, Node& owner)
     return ::new (at) F(owner);
 }
 
+template <class F>
+using ValueOf = std::decay_t<decltype(std::declval<F&>().value())>;
+
+// A field without descriptor reads the text without change processing.
+template <class F>
+void* makeDefault(Node& owner, const char* text)
+{
+    F field(owner);
+    field.setValueByStr(0.0, text);
+    return new ValueOf<F>(std::move(field.value()));
+}
+
+template <class F>
+void applyDefault(Field& field, const void* value)
+{
+    static_cast<F&>(field).value() = *static_cast<const ValueOf<F>*>(value);
+}
+
+template <class F>
+void destroyDefault(void* value)
+{
+    delete static_cast<ValueOf<F>*>(value);
+}
+
 } // namespace
 
 template <class F>
@@ -77,6 +103,9 @@ void BuiltinFieldTypes::add(BaseType baseType, const char* name, bool multi)
     static auto* records = new std::deque<FieldType>;
     FieldType& type = records->emplace_back(baseType, F::DataType, name, &F::create, multi);
     type.setPlacement(sizeof(F), alignof(F), &place<F>);
+    // Node values have no text form.
+    if constexpr (F::DataType != SFNodeType && F::DataType != MFNodeType)
+        type.setDefaultValueMethods({&makeDefault<F>, &applyDefault<F>, &destroyDefault<F>});
 }
 
 void BuiltinFieldTypes::registerAll()

@@ -42,6 +42,14 @@ public:
     using CreateMethod = Field* (*)(Node&);
     // Constructs the field at `at`, which has placeSize() bytes aligned to placeAlign().
     using PlaceMethod = Field* (*)(void* at, Node& owner);
+    // A value read once from a default text and given to many new fields: `make` returns the
+    // value a field of the type reads from the text (a field owned by `owner` does the reading),
+    // `apply` gives a field that value without change processing, `destroy` frees it.
+    struct DefaultValueMethods {
+        void* (*make)(Node& owner, const char* text) = nullptr;
+        void (*apply)(Field& field, const void* value) = nullptr;
+        void (*destroy)(void* value) = nullptr;
+    };
 
     FieldType(BaseType baseType, NodePartDataType dataType, const char* name, CreateMethod create,
               bool multi);
@@ -58,6 +66,9 @@ public:
     std::uint32_t      placeSize() const { return _placeSize; }
     std::uint32_t      placeAlign() const { return _placeAlign; }
     PlaceMethod        placeMethod() const { return _place; }
+    // Null methods for a type whose defaults are read field by field.
+    void                       setDefaultValueMethods(const DefaultValueMethods& methods) { _defaults = methods; }
+    const DefaultValueMethods& defaultValueMethods() const { return _defaults; }
     unsigned           compNum() const { return compNum(_baseType); }
     void               dump() const;
 
@@ -92,6 +103,7 @@ private:
     std::uint32_t    _placeSize = 0;
     std::uint32_t    _placeAlign = 0;
     PlaceMethod      _place = nullptr;
+    DefaultValueMethods _defaults;
 
     static TypeVec*     _typeVec;
     static NameMap*     _nameMap;

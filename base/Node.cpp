@@ -751,6 +751,8 @@ void Node::makeDeclaredFields()
     const NodeLayout* layout = _parts.layout();
     char* area = _parts.area();
     const unsigned count = _type->partCount();
+    // The defaults as read once for all the type's nodes.
+    const void* const* defaults = area ? layout->defaultValues(*this) : nullptr;
     for (unsigned id = 0; id < count; ++id) {
         NodePartDesc* desc = _type->part(id);
         if (!desc || !desc->holdsField() || _parts[id])
@@ -764,7 +766,10 @@ void Node::makeDeclaredFields()
         Field* field = placed->placeMethod()(area + layout->fieldOffsets[id], *this);
         field->setDesc(desc);
         _parts.set(id, field);
-        field->setDefaultValue(0.0);
+        if (defaults[id])
+            placed->defaultValueMethods().apply(*field, defaults[id]);
+        else
+            field->setDefaultValue(0.0);
     }
 }
 

@@ -1,30 +1,50 @@
 #ifndef ORVANE_BASE_NODELAYOUT_H
 #define ORVANE_BASE_NODELAYOUT_H
 
+#include "base/OrvaneExport.h"
+
+#include <atomic>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace Orvane {
 
 class FieldType;
+class Node;
 
 // Where the declared fields and the default processor of a type's nodes sit in the block after
-// the node object. A layout never changes once made: a type that lays its nodes out anew keeps
-// the old layout for the nodes built with it.
-struct NodeLayout {
+// the node object, and the fields' default values. A layout never changes once made: a type
+// that lays its nodes out anew keeps the old layout for the nodes built with it.
+class ORVANE_API NodeLayout {
+public:
     static constexpr std::uint32_t NoPlace = ~0u;
 
-    // Per part ID: the field's offset in the area (NoPlace for a field made on the heap) and
-    // its field type (null for a part without field).
+    NodeLayout() = default;
+    NodeLayout(const NodeLayout&) = delete;
+    NodeLayout& operator=(const NodeLayout&) = delete;
+    ~NodeLayout();
+
+    // Per part ID: the field's offset in the area (NoPlace for a field made on the heap), its
+    // field type (null for a part without field) and its default text.
     std::vector<std::uint32_t>    fieldOffsets;
     std::vector<const FieldType*> fieldTypes;
+    std::vector<std::string>      defaultTexts;
     std::uint32_t                 procOffset = NoPlace;
     std::uint32_t                 areaSize = 0;
     // Every part that holds a field has its place, and there are at most 64 parts: a node
     // finds its declared fields from the offsets and keeps no part table.
     bool placesAll = false;
 
-    bool operator==(const NodeLayout&) const = default;
+    bool sameAs(const NodeLayout& other) const;
+
+    // Per part ID, the default value read once from its text (see FieldType's default value
+    // methods), null where the field reads its text itself. Made on the first call, by fields
+    // that `owner` lends its name to while they read.
+    const void* const* defaultValues(Node& owner) const;
+
+private:
+    mutable std::atomic<void**> _defaults{nullptr};
 };
 
 } // namespace Orvane

@@ -570,6 +570,7 @@ void NodeType::computeLayout()
     std::uint32_t at = 0;
     layout->fieldOffsets.assign(_descVec.size(), NodeLayout::NoPlace);
     layout->fieldTypes.assign(_descVec.size(), nullptr);
+    layout->defaultTexts.assign(_descVec.size(), std::string());
     layout->placesAll = _descVec.size() <= 64;
     for (std::size_t i = 0; i < _descVec.size(); ++i) {
         const NodePartDesc* desc = _descVec[i];
@@ -577,6 +578,7 @@ void NodeType::computeLayout()
         layout->fieldTypes[i] = fieldType;
         if (!fieldType)
             continue;
+        layout->defaultTexts[i] = desc->defaultValue();
         if (!fieldType->placeSize() || !fieldType->placeMethod() || fieldType->placeAlign() > maxAlign) {
             layout->placesAll = false;
             continue;
@@ -593,7 +595,7 @@ void NodeType::computeLayout()
     layout->areaSize = alignUp(at, maxAlign);
     // Laid out as before: keep the layout the live nodes share.
     for (const auto& earlier : _layouts)
-        if (*earlier == *layout) {
+        if (earlier->sameAs(*layout)) {
             _layout = earlier.get();
             return;
         }
