@@ -77,18 +77,11 @@ SFBool& MetadataObject::enabled() const
     return *static_cast<SFBool*>(findField(4u));
 }
 
+// The node's own loop guard around the processor's reaction is exactly what a metadata object
+// needs.
 bool MetadataObject::fieldChanged(Field& field, const double& time, Field* source)
 {
-    const PartMask mask = field.mask();
-    if (checkIsChangingMask(mask)) {
-        ORV_INFO("Field %s/%s.%s is already changing; break loop\n", type().name().c_str(), getIDStr().c_str(),
-                 field.nameOrNoName());
-        return false;
-    }
-    setIsChanging(mask);
-    bool result = proc() ? proc()->fieldChanged(*this, field, time, source) : true;
-    clearIsChanging(mask);
-    return result;
+    return Node::fieldChanged(field, time, source);
 }
 
 bool MetadataObjectProc::fieldChanged(Node& node, Field& field, const double& time, Field* source)
