@@ -720,6 +720,15 @@ void Node::unregField(unsigned id)
     _parts.set(id, nullptr);
 }
 
+const FieldType* Node::placedType(unsigned id, const NodePartDesc& desc) const
+{
+    const NodeLayout* layout = _parts.layout();
+    if (!_parts.area() || id >= layout->fieldOffsets.size() || layout->fieldOffsets[id] == NodeLayout::NoPlace)
+        return nullptr;
+    const FieldType* type = layout->fieldTypes[id];
+    return type && type->dataType() == desc.dataType() ? type : nullptr;
+}
+
 Field* Node::makeField(unsigned id, bool setDefault)
 {
     if (Field* existing = findField(id))
@@ -729,16 +738,9 @@ Field* Node::makeField(unsigned id, bool setDefault)
         return nullptr;
     // In the block where the type placed it; on the heap for a node without block or a field
     // type without placement.
-    Field* field = nullptr;
-    const NodeLayout* layout = _parts.layout();
-    const FieldType* placed = _parts.area() && id < layout->fieldOffsets.size() &&
-                                      layout->fieldOffsets[id] != NodeLayout::NoPlace
-                                  ? layout->fieldTypes[id]
-                                  : nullptr;
-    if (placed && placed->dataType() == desc->dataType())
-        field = placed->placeMethod()(_parts.area() + layout->fieldOffsets[id], *this);
-    else
-        field = FieldType::create(desc->dataType(), *this);
+    const FieldType* placed = placedType(id, *desc);
+    Field* field = placed ? placed->placeMethod()(_parts.area() + _parts.layout()->fieldOffsets[id], *this)
+                          : FieldType::create(desc->dataType(), *this);
     if (field && !regField(*field, *_type, id, setDefault)) {
         destroyPart(field);
         return nullptr;
@@ -748,22 +750,20 @@ Field* Node::makeField(unsigned id, bool setDefault)
 
 void Node::makeDeclaredFields()
 {
-    const NodeLayout* layout = _parts.layout();
-    char* area = _parts.area();
     const unsigned count = _type->partCount();
     // The defaults as read once for all the type's nodes.
-    const void* const* defaults = area ? layout->defaultValues(*this) : nullptr;
+    const void* const* defaults = _parts.area() ? _parts.layout()->defaultValues(*this) : nullptr;
     for (unsigned id = 0; id < count; ++id) {
         NodePartDesc* desc = _type->part(id);
         if (!desc || !desc->holdsField() || _parts[id])
             continue;
         // The common case straight: the field has its place in the block.
-        const FieldType* placed = area && id < layout->fieldOffsets.size() ? layout->fieldTypes[id] : nullptr;
-        if (!placed || layout->fieldOffsets[id] == NodeLayout::NoPlace || placed->dataType() != desc->dataType()) {
+        const FieldType* placed = placedType(id, *desc);
+        if (!placed) {
             makeField(id, true);
             continue;
         }
-        Field* field = placed->placeMethod()(area + layout->fieldOffsets[id], *this);
+        Field* field = placed->placeMethod()(_parts.area() + _parts.layout()->fieldOffsets[id], *this);
         field->setDesc(desc);
         _parts.set(id, field);
         if (defaults[id])

@@ -19,6 +19,7 @@ class Context;
 class EventInSlot;
 class EventOutSlot;
 class Field;
+class FieldType;
 class MFString;
 class NodeLink;
 class NodeNameSpace;
@@ -252,6 +253,9 @@ protected:
     Field* makeField(unsigned id, bool setDefault);
     // Makes every declared field the node does not have yet, each at its default.
     void makeDeclaredFields();
+    // The field type of descriptor `id` where the node's layout places its field in the block;
+    // null where the field is made on the heap.
+    const FieldType* placedType(unsigned id, const NodePartDesc& desc) const;
 
 private:
     friend class NodeLink;
