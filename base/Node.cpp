@@ -4,6 +4,7 @@
 #include "base/Log.h"
 #include "base/MFNode.h"
 #include "base/MFString.h"
+#include "base/NodeBlockPool.h"
 #include "base/NodeLink.h"
 #include "base/NodeNameSpace.h"
 #include "base/NodePartDesc.h"
@@ -63,7 +64,8 @@ struct BlockHandOver {
 
 thread_local BlockHandOver blockHandOver;
 
-constexpr std::size_t blockAlign = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
+constexpr std::size_t blockAlign = NodeBlockPool::Alignment;
+static_assert(blockAlign >= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 
 Subject& makeSubject(const char* name)
 {
@@ -156,28 +158,19 @@ void* Node::operator new(std::size_t size)
     BlockHandOver& h = blockHandOver;
     const NodeType* type = std::exchange(h.requested, nullptr);
     if (!type || !type->_layout || !type->_layout->areaSize)
-        return ::operator new(size);
+        return NodeBlockPool::allocate(size);
     const std::size_t objectSize = (size + blockAlign - 1) & ~(blockAlign - 1);
-    void* block = ::operator new(objectSize + type->_layout->areaSize);
+    void* block = NodeBlockPool::allocate(objectSize + type->_layout->areaSize);
     h.layout = type->_layout;
     h.block = static_cast<char*>(block);
     h.objectSize = static_cast<std::uint32_t>(objectSize);
     return block;
 }
 
-// GCC pairs the class's operator new with the global delete where both are inlined and takes
-// that for a mismatch; the block did come from the global operator new.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-#endif
 void Node::operator delete(void* block) noexcept
 {
-    ::operator delete(block);
+    NodeBlockPool::release(block);
 }
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic pop
-#endif
 
 bool Node::inBlock(const void* p) const
 {

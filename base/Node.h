@@ -234,7 +234,8 @@ public:
 
     // A node made by NodeType::createNode gets one block: the node object, then its declared
     // fields, part table and default processor at the offsets its type laid out. Any other
-    // `new` of a node gets the object alone, and its parts come from the heap.
+    // `new` of a node gets the object alone, and its parts come from the heap. Blocks come from
+    // the NodeBlockPool.
     static void* operator new(std::size_t size);
     static void  operator delete(void* block) noexcept;
 

@@ -42,8 +42,9 @@ TEST(XMLReader, HeaderValuesSharingAndContainerFields)
     std::vector<Node*> nodes;
     scene.root->nameSpace().fillNodeVec(nodes);
     for (Node* node : nodes) {
-        if (node->type().name() == "Coordinate")
+        if (node->type().name() == "Coordinate") {
             EXPECT_EQ(node->findField(std::string("point"))->size(), 3u);  // a value over two lines
+        }
         if (node->type().name() == "IndexedFaceSet") {
             EXPECT_EQ(text(*node, "solid"), "FALSE");
             EXPECT_EQ(node->findField(std::string("metadata"))->strValue().empty(), false);
