@@ -86,10 +86,16 @@ BenchType& benchType()
     return t;
 }
 
+// Where the memory of the timed rounds comes from. Warm: from the rounds before, as when a
+// program builds and releases scenes again and again (an untimed round comes first). Cold:
+// fresh from the system in every round, as for the first scene a program builds, so the
+// kernel's faulting in and clearing of the pages is counted too.
+enum class Memory { Warm, Cold };
+
 // Makes `count` objects with `make`, measures what they hold, releases them with `drop`; the
 // counters give per node the time (create and release), the live heap bytes and the allocations.
 template <class T, class Make, class Drop>
-void measure(benchmark::State& state, int count, Make make, Drop drop)
+void measure(benchmark::State& state, int count, Make make, Drop drop, Memory memory = Memory::Warm)
 {
     std::vector<T*> nodes;
     nodes.reserve(static_cast<std::size_t>(count));
@@ -97,7 +103,21 @@ void measure(benchmark::State& state, int count, Make make, Drop drop)
     double allocsPerNode = 0;
     const auto heapBytes = [] { return liveBytes + static_cast<long long>(NodeBlockPool::bytesInUse()); };
     const auto heapBlocks = [] { return allocations + static_cast<long long>(NodeBlockPool::blocksInUse()); };
+    if (memory == Memory::Warm) {
+        // The pool keeps what the untimed round released, the largest scene here included.
+        NodeBlockPool::setRetainLimit(std::size_t(2) << 30);
+        for (int i = 0; i < count; ++i)
+            nodes.push_back(make());
+        for (T* node : nodes)
+            drop(node);
+        nodes.clear();
+    }
     for (auto _ : state) {
+        if (memory == Memory::Cold) {
+            state.PauseTiming();
+            NodeBlockPool::trim();
+            state.ResumeTiming();
+        }
         const long long bytesBefore = heapBytes();
         const long long allocsBefore = heapBlocks();
         for (int i = 0; i < count; ++i)
@@ -115,7 +135,7 @@ void measure(benchmark::State& state, int count, Make make, Drop drop)
         benchmark::Counter(count, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
-void createRelease(benchmark::State& state, int count)
+void createRelease(benchmark::State& state, int count, Memory memory)
 {
     BenchType& bt = benchType();
     measure<Node>(
@@ -125,7 +145,7 @@ void createRelease(benchmark::State& state, int count)
             node->addRef();
             return node;
         },
-        [](Node* node) { node->subRef(); });
+        [](Node* node) { node->subRef(); }, memory);
 }
 
 // The same ten members in a plain struct: what the values alone cost.
@@ -149,11 +169,14 @@ void createReleasePlain(benchmark::State& state, int count)
 
 } // namespace
 
-BENCHMARK_CAPTURE(createRelease, n10k, 10'000)->Name("create_release_10k/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createRelease, n10k, 10'000, Memory::Warm)->Name("create_release_10k/orvane")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(createReleasePlain, n10k, 10'000)->Name("create_release_10k/plain_struct")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(createRelease, n100k, 100'000)->Name("create_release_100k/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createRelease, n100k, 100'000, Memory::Warm)->Name("create_release_100k/orvane")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(createReleasePlain, n100k, 100'000)->Name("create_release_100k/plain_struct")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(createRelease, n1m, 1'000'000)->Name("create_release_1m/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createRelease, n1m, 1'000'000, Memory::Warm)->Name("create_release_1m/orvane")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(createReleasePlain, n1m, 1'000'000)->Name("create_release_1m/plain_struct")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createRelease, cold10k, 10'000, Memory::Cold)->Name("create_release_cold_10k/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createRelease, cold100k, 100'000, Memory::Cold)->Name("create_release_cold_100k/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(createRelease, cold1m, 1'000'000, Memory::Cold)->Name("create_release_cold_1m/orvane")->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();
