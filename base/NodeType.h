@@ -9,11 +9,11 @@
 
 #include <cstdint>
 #include <list>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <ostream>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -42,7 +42,7 @@ public:
     using CreateFunc    = Node* (*)(NodeType& type, NodeNameSpace& nameSpace, const char* name);
     using ProcFactory   = NodeProc* (*)(NodeType& type, Node& node);
     using DescVec       = std::vector<NodePartDesc*>;
-    using DescMap       = std::map<std::string, NodePartDesc*>;
+    using DescMap       = std::unordered_map<std::string, NodePartDesc*>;
 
     // The native constructor: registers the type in its namespace, its component and the ID map.
     NodeType(NodeTypeNameSpace& nameSpace, const char* name, const char* library, const char* parentName,

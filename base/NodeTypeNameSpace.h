@@ -6,9 +6,9 @@
 #include "base/SmartPtr.h"
 
 #include <cstdint>
-#include <map>
 #include <mutex>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace Orvane {
@@ -24,7 +24,7 @@ enum SearchCaseType : std::int32_t { CaseSensitive = 0, CaseInsensitive = 1 };
 // the types of their parents: look-up starts in one scope and climbs towards its root.
 class ORVANE_API NodeTypeNameSpace : public BaseObject {
 public:
-    using TypeMap = std::map<std::string, NodeType*>;
+    using TypeMap = std::unordered_map<std::string, NodeType*>;
 
     // Without parent the namespace is a root, registered under its name.
     static NodeTypeNameSpace* create(const char* name, NodeTypeNameSpace* parent);
