@@ -379,14 +379,22 @@ void VRMLWriteAction::writeExports(NodeNameSpace& nameSpace)
 
 void VRMLWriteAction::writeImports(Node& node)
 {
+    // Only the first line is indented.
+    writeImportLines(node, false);
+}
+
+void VRMLWriteAction::writeImportLines(Node& node, bool indentEach)
+{
     if (!good())
         return;
-    // Only the first line is indented.
-    indent();
+    if (!indentEach)
+        indent();
     NodeNameSpace* inner = importScope(node);
     for (const NodeNameSpace::Import& entry : node.nameSpace().importVec()) {
         if (!inner || entry.from != inner)
             continue;
+        if (indentEach)
+            indent();
         put("IMPORT ");
         put(node.name());
         put('.');

@@ -46,6 +46,8 @@ public:
 
 protected:
     void writeProto(NodeNameSpace& nameSpace);
+    // The IMPORT statements of the Inline `node`: indented once before the first, or each.
+    void writeImportLines(Node& node, bool indentEach);
     // The first lines of a document.
     virtual void writeHeader();
     // The word of an access type in a declaration.

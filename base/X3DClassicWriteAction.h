@@ -17,6 +17,9 @@ class ORVANE_API X3DClassicWriteAction : public VRMLWriteAction {
 public:
     explicit X3DClassicWriteAction(const double& timeStamp = 0.0) : VRMLWriteAction(timeStamp) {}
 
+    // Each IMPORT line at the level of its Inline.
+    void writeImports(Node& node) override { writeImportLines(node, true); }
+
 protected:
     void        writeHeader() override;
     const char* accessName(NodePartType partType) const override;

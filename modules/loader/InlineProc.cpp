@@ -18,7 +18,7 @@ NodeNameSpace* InlineProc::ownNameSpace() const
 
 std::string InlineProc::info() const
 {
-    return _scene ? "inlines " + _file : std::string("inlines nothing");
+    return _file.empty() ? std::string("inlines nothing") : "inlines " + _file;
 }
 
 void InlineProc::follow(const double& time)

@@ -10,7 +10,7 @@
 
 namespace Orvane {
 
-// The processor of an Inline node whose file the loader reads: it holds the inlined scene (its
+// The processor of an Inline node that the loader took on: it holds the inlined scene (its
 // "SceneRoot" node, and through it the scene's namespace) for as long as the node lives, so
 // that IMPORT statements of the including scene reach the exports of the inlined one. Each
 // Inline holds a scene of its own, even when two name the same file. The inlined scene follows
@@ -20,13 +20,12 @@ class ORVANE_LOADER_API InlineProc : public NodeProc {
 public:
     InlineProc(Node& node, SmartPtr<Node> scene);
 
-    // The root of the inlined scene; null when no file could be loaded.
+    // The root of the inlined scene. Where no file was read, the scene is empty but for
+    // stand-ins of the nodes that routes through IMPORTs from it reach.
     Node* scene() const { return _scene.get(); }
-    // The file the scene was read from, as resolved from the url; empty while none.
+    // The file the scene was read from, as resolved from the url; empty where none was read.
     const std::string& file() const { return _file; }
     void               setFile(std::string file) { _file = std::move(file); }
-    // Lets the scene go (its load failed): imports from it no longer resolve.
-    void               drop() { _scene = nullptr; }
 
     // The inline processor of `node`; null when it is no Inline the loader took on.
     static InlineProc* of(const Node& node);

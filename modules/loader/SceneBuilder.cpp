@@ -23,6 +23,7 @@
 #include "modules/x3d/X3DCatalog.h"
 #include "platform/pordane/URL.h"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 
@@ -279,15 +280,15 @@ Node* SceneBuilder::createNode(std::string_view typeName, std::string_view defNa
             return node;
     }
     error(place, "unknown node type '" + _text + "'");
-    NodeType* standIn = standInType(_text);
+    NodeType* standIn = standInType(_root->nameSpace(), _text);
     return standIn ? standIn->createNode(&scope(), name, LoaderCreator) : nullptr;
 }
 
-NodeType* SceneBuilder::standInType(const std::string& typeName)
+NodeType* SceneBuilder::standInType(NodeNameSpace& scene, const std::string& typeName)
 {
     // One type per unknown name, kept in the scene's own type namespace so that it goes with
     // the scene; its nodes carry whatever fields the file gives them as dynamic fields.
-    NodeTypeNameSpace& types = _root->nameSpace().protoTypeNameSpace();
+    NodeTypeNameSpace& types = scene.protoTypeNameSpace();
     unknownNodeType();  // the parent, registered on first use
     if (NodeType* known = types.findLocalType(typeName))
         return isUnknown(*known) ? known : nullptr;
@@ -495,6 +496,17 @@ bool SceneBuilder::routeIn(NodeNameSpace& ns, const std::string& a, const std::s
         return true;
     }
     std::string text = "ROUTE " + a + "." + af + " TO " + b + "." + bf;
+    // An end imported from an Inline whose file was not read gets its stand-in first, typed
+    // after the other end.
+    const NodeNameSpace::Import* unreadA = unreadImport(ns, a);
+    const NodeNameSpace::Import* unreadB = unreadImport(ns, b);
+    if (unreadA && !unreadB) {
+        if (Node* other = ns.findNode(b))
+            standInImport(*unreadA, af, *other, bf, true);
+    } else if (unreadB && !unreadA) {
+        if (Node* other = ns.findNode(a))
+            standInImport(*unreadB, bf, *other, af, false);
+    }
     Node* from = ns.findNode(a);
     Node* to = ns.findNode(b);
     if (!from && !ns.getImportedNode(a)) {
@@ -514,6 +526,43 @@ bool SceneBuilder::routeIn(NodeNameSpace& ns, const std::string& a, const std::s
         return false;
     }
     return true;
+}
+
+const NodeNameSpace::Import* SceneBuilder::unreadImport(const NodeNameSpace& ns, const std::string& name) const
+{
+    if (_unreadScenes.empty())
+        return nullptr;
+    for (const NodeNameSpace::Import& import : ns.importVec())
+        if (import.localName == name)
+            for (const SmartPtr<Node>& root : _unreadScenes)
+                if (&root->nameSpace() == import.from)
+                    return &import;
+    return nullptr;
+}
+
+void SceneBuilder::standInImport(const NodeNameSpace::Import& import, const std::string& field, Node& other,
+                                 const std::string& otherField, bool source)
+{
+    // The stand-in is a child of the empty scene, published under the imported name, with a
+    // field for each route through it; the scene is never written, the route and IMPORT are.
+    NodeNameSpace& inner = *import.from;
+    Field*         otherEnd = other.findField(otherField);
+    if (!otherEnd)
+        return;
+    Node* standIn = inner.getExportedNode(import.exportName);
+    if (!standIn) {
+        NodeType* type = standInType(inner, "ExportedNode");
+        standIn = type ? type->createNode(&inner, import.exportName.c_str(), LoaderCreator) : nullptr;
+        if (!standIn)
+            return;
+        for (const SmartPtr<Node>& root : _unreadScenes)
+            if (&root->nameSpace() == &inner)
+                static_cast<MFNode*>(root->findField(ChildrenPart))->addChild(standIn);
+        inner.exportNode(import.exportName, import.exportName);
+    }
+    if (!standIn->findField(field))
+        standIn->addDynamicField(source ? EventOutPartType : EventInPartType, otherEnd->dataType(), field.c_str(), 0,
+                                 nullptr);
 }
 
 bool SceneBuilder::exportNode(std::string_view local, std::string_view as, Place place)
@@ -607,15 +656,12 @@ bool SceneBuilder::isLink(Node& node, std::string_view field, std::string_view i
 void SceneBuilder::noteInline(Node& node, Place place)
 {
     const NodeType& type = node.type();
-    if (!_inlineLoading || inProtoBody() || type.name() != "Inline" || type.isProto() || isUnknown(type) ||
-        InlineProc::of(node))
-        return;
-    auto* load = dynamic_cast<SFBool*>(node.findField(std::string("load")));
-    if (load && !load->value())
+    if (inProtoBody() || type.name() != "Inline" || type.isProto() || isUnknown(type) || InlineProc::of(node))
         return;
     // The scene and its namespace are made now, so that IMPORT statements that follow find
     // them; the file is read when this one is done. The namespace hangs below this scene's,
-    // which is where its exports are published; names are not looked up through it.
+    // which is where its exports are published; names are not looked up through it. An
+    // Inline whose file is not read keeps its empty scene, so that its IMPORTs are kept.
     auto scene = std::make_unique<SceneBuilder>(std::string());
     if (!scene->_root)
         return;
@@ -624,7 +670,11 @@ void SceneBuilder::noteInline(Node& node, Place place)
     scene->_inlineLoading = true;
     scene->_root->nameSpace().setParent(&scope());
     node.setProc(new InlineProc(node, scene->_root));
-    _pendingInlines.push_back({SmartPtr<Node>(&node), std::move(scene), place});
+    auto* load = dynamic_cast<SFBool*>(node.findField(std::string("load")));
+    if (_inlineLoading && (!load || load->value()))
+        _pendingInlines.push_back({SmartPtr<Node>(&node), std::move(scene), place});
+    else
+        _unreadScenes.push_back(scene->_root);
 }
 
 bool SceneBuilder::awaitsInline(const NodeNameSpace& ns, const std::string& name) const
@@ -735,7 +785,7 @@ void SceneBuilder::loadInline(PendingInline& pending)
     // Faults of the inlined files were logged with their own names; they count for this load.
     _errors.insert(_errors.end(), inner._errors.begin(), inner._errors.end());
     if (!loaded) {
-        proc->drop();
+        _unreadScenes.push_back(inner._root);
         if (!reasons.empty())
             error(pending.place, "Inline loads no file: " + reasons);
     }

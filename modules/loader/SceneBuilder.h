@@ -2,6 +2,7 @@
 #define ORVANE_MODULES_LOADER_SCENEBUILDER_H
 
 #include "base/Node.h"
+#include "base/NodeNameSpace.h"
 #include "base/SceneHeader.h"
 #include "base/SmartPtr.h"
 #include "modules/loader/LoaderExport.h"
@@ -14,7 +15,6 @@
 namespace Orvane {
 
 class Field;
-class NodeNameSpace;
 class NodeType;
 class ProtoDeclaration;
 
@@ -55,14 +55,16 @@ public:
     void error(Place place, std::string message);
 
     // --- Inline ---
-    // With inline loading on (off for a new builder; SceneLoader turns it on unless told not
-    // to), each Inline node placed in the scene outside prototypes, whose load is TRUE, gets
-    // the first local file of its url that reads (relative to this file; plain paths and file:
-    // URLs; other schemes are never fetched) read into a scene of its own, held by an
-    // InlineProc. The files are read when this one is done (in finish), so that nesting costs
-    // no stack; routes through imports of those scenes wait until then. A file that is being
-    // read around the Inline (a cycle), nesting beyond MaxInlineDepth files and more than
-    // MaxInlineFiles files for one load are refused. Faults of an inlined file keep its name.
+    // Each Inline node placed in the scene outside prototypes gets a scene of its own, held by
+    // an InlineProc. With inline loading on (off for a new builder; SceneLoader turns it on
+    // unless told not to) and its load TRUE, the first local file of its url that reads
+    // (relative to this file; plain paths and file: URLs; other schemes are never fetched) is
+    // read into that scene. The files are read when this one is done (in finish), so that
+    // nesting costs no stack; routes through imports of those scenes wait until then. A file
+    // that is being read around the Inline (a cycle), nesting beyond MaxInlineDepth files and
+    // more than MaxInlineFiles files for one load are refused. Faults of an inlined file keep
+    // its name. The scene of an Inline whose file is not read stays empty but for stand-ins of
+    // the nodes that routes through its IMPORTs reach, so that nothing of the file is lost.
     static constexpr int MaxInlineDepth = 16;
     static constexpr int MaxInlineFiles = 4096;
     void setInlineLoading(bool on) { _inlineLoading = on; }
@@ -156,11 +158,17 @@ private:
         Place          place;
     };
     NodeNameSpace& scope() const;
-    NodeType*      standInType(const std::string& typeName);
+    static NodeType* standInType(NodeNameSpace& scene, const std::string& typeName);
     std::string    fieldLabel(const Field& field) const;
     bool           routeIn(NodeNameSpace& ns, const std::string& a, const std::string& af, const std::string& b,
                            const std::string& bf, Place place);
     void           noteInline(Node& node, Place place);
+    // The import `name` of `ns` when it imports from an Inline whose file was not read.
+    const NodeNameSpace::Import* unreadImport(const NodeNameSpace& ns, const std::string& name) const;
+    // A ROUTE through such an import: the Inline's empty scene gets a stand-in export with the
+    // routed field (`source`: the route leaves it), typed after the other end's field.
+    void standInImport(const NodeNameSpace::Import& import, const std::string& field, Node& other,
+                       const std::string& otherField, bool source);
     bool           awaitsInline(const NodeNameSpace& ns, const std::string& name) const;
     void           loadInlines();
     void           loadInline(PendingInline& pending);
@@ -181,6 +189,8 @@ private:
     std::string                _canonical;        // this file's path, for cycles; made on need
     std::vector<PendingInline> _pendingInlines;
     std::vector<PendingRoute>  _pendingRoutes;
+    // The scenes of Inlines whose files were not read: loading off, load FALSE, or no file.
+    std::vector<SmartPtr<Node>> _unreadScenes;
 };
 
 } // namespace Orvane

@@ -193,7 +193,7 @@ int info(int argc, char** argv)
             std::printf("  %s\n", p->name().c_str());
         std::vector<std::string> inlined;
         for (Node* node : nodes)
-            if (InlineProc* proc = InlineProc::of(*node); proc && proc->scene())
+            if (InlineProc* proc = InlineProc::of(*node); proc && !proc->file().empty())
                 inlined.push_back((node->hasName() ? node->name() + ": " : std::string()) + proc->file());
         std::printf("inlined files: %zu\n", inlined.size());
         for (const auto& file : inlined)
