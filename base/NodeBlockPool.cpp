@@ -153,7 +153,7 @@ void unmapChunk(Chunk* chunk)
 bool hasRoom(const Chunk& chunk)
 {
     const char* end = reinterpret_cast<const char*>(&chunk) + chunk.mapped;
-    return chunk.free || chunk.unused + chunk.sizeClass->blockSize <= end;
+    return chunk.free || static_cast<std::size_t>(end - chunk.unused) >= chunk.sizeClass->blockSize;
 }
 
 void listWithRoom(SizeClass& cls, Chunk* chunk)
