@@ -361,12 +361,20 @@ void VRMLWriteAction::writeSingleRoute(const char* fromNode, const char* fromFie
 
 void VRMLWriteAction::writeExports(NodeNameSpace& nameSpace)
 {
+    // Only the first line is indented.
+    writeExportLines(nameSpace, false);
+}
+
+void VRMLWriteAction::writeExportLines(NodeNameSpace& nameSpace, bool indentEach)
+{
     if (!good())
         return;
-    // Only the first line is indented.
-    indent();
+    if (!indentEach)
+        indent();
     for (const NodeNameSpace::Export& entry : nameSpace.exportVec()) {
         const std::string& local = entry.node->name();
+        if (indentEach)
+            indent();
         put("EXPORT ");
         put(local);
         if (!entry.name.empty() && entry.name != local) {

@@ -46,7 +46,9 @@ public:
 
 protected:
     void writeProto(NodeNameSpace& nameSpace);
-    // The IMPORT statements of the Inline `node`: indented once before the first, or each.
+    // The EXPORT statements of `nameSpace` and the IMPORT statements of the Inline `node`:
+    // indented once before the first (even when there is none), or each.
+    void writeExportLines(NodeNameSpace& nameSpace, bool indentEach);
     void writeImportLines(Node& node, bool indentEach);
     // The first lines of a document.
     virtual void writeHeader();

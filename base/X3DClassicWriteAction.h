@@ -17,7 +17,8 @@ class ORVANE_API X3DClassicWriteAction : public VRMLWriteAction {
 public:
     explicit X3DClassicWriteAction(const double& timeStamp = 0.0) : VRMLWriteAction(timeStamp) {}
 
-    // Each IMPORT line at the level of its Inline.
+    // Each EXPORT and IMPORT line at the level of its scope, and no indentation without one.
+    void writeExports(NodeNameSpace& nameSpace) override { writeExportLines(nameSpace, true); }
     void writeImports(Node& node) override { writeImportLines(node, true); }
 
 protected:

@@ -14,6 +14,7 @@
 #include "base/NodeType.h"
 #include "base/NodeTypeNameSpace.h"
 #include "base/ProtoDeclaration.h"
+#include "base/ProtoInstance.h"
 #include "base/Route.h"
 #include "base/SFNode.h"
 #include "base/SFBool.h"
@@ -253,8 +254,13 @@ NodeNameSpace& SceneBuilder::scope() const
 
 void SceneBuilder::error(Place place, std::string message)
 {
-    ORV_WARNING("%s:%d:%d: %s\n", _url.c_str(), place.line, place.column, message.c_str());
-    _errors.push_back({_url, place.line, place.column, std::move(message)});
+    fault(_url, place, std::move(message));
+}
+
+void SceneBuilder::fault(const std::string& file, Place place, std::string message)
+{
+    ORV_WARNING("%s:%d:%d: %s\n", file.c_str(), place.line, place.column, message.c_str());
+    _errors.push_back({file, place.line, place.column, std::move(message)});
 }
 
 std::string SceneBuilder::fieldLabel(const Field& field) const
@@ -276,6 +282,7 @@ Node* SceneBuilder::createNode(std::string_view typeName, std::string_view defNa
         Node* node = type->createNode(&scope(), name, LoaderCreator);
         if (node && isVrml97())
             X3DCatalog::applyVrml97Defaults(*node);
+        _madeInstances = _madeInstances || type->isProto();
         if (node)
             return node;
     }
@@ -343,7 +350,7 @@ bool SceneBuilder::addChild(Node& parent, Field& field, Node& child, Place place
     if (!placed)
         error(place, "a " + child.type().name() + " node does not fit field " + fieldLabel(field));
     else if (!isDeclarationField(field))
-        noteInline(child, place);
+        noteInline(child, place, scope(), _url);
     return placed;
 }
 
@@ -653,28 +660,54 @@ bool SceneBuilder::isLink(Node& node, std::string_view field, std::string_view i
 
 // --- Inline ---
 
-void SceneBuilder::noteInline(Node& node, Place place)
+void SceneBuilder::noteInline(Node& node, Place place, NodeNameSpace& parent, const std::string& file)
 {
     const NodeType& type = node.type();
     if (inProtoBody() || type.name() != "Inline" || type.isProto() || isUnknown(type) || InlineProc::of(node))
         return;
     // The scene and its namespace are made now, so that IMPORT statements that follow find
-    // them; the file is read when this one is done. The namespace hangs below this scene's,
-    // which is where its exports are published; names are not looked up through it. An
-    // Inline whose file is not read keeps its empty scene, so that its IMPORTs are kept.
+    // them; the file is read when this one is done. The namespace hangs below `parent`, where
+    // its exports are published; names are not looked up through it. An Inline whose file is
+    // not read keeps its empty scene, so that its IMPORTs are kept.
     auto scene = std::make_unique<SceneBuilder>(std::string());
     if (!scene->_root)
         return;
     scene->_outer = this;
     scene->_inlineDepth = _inlineDepth + 1;
     scene->_inlineLoading = true;
-    scene->_root->nameSpace().setParent(&scope());
+    scene->_root->nameSpace().setParent(&parent);
     node.setProc(new InlineProc(node, scene->_root));
     auto* load = dynamic_cast<SFBool*>(node.findField(std::string("load")));
     if (_inlineLoading && (!load || load->value()))
-        _pendingInlines.push_back({SmartPtr<Node>(&node), std::move(scene), place});
+        _pendingInlines.push_back({SmartPtr<Node>(&node), std::move(scene), place, file});
     else
         _unreadScenes.push_back(scene->_root);
+}
+
+void SceneBuilder::noteInstanceInlines()
+{
+    // The Inlines in the bodies of the scene's prototype instances, nested ones included: each
+    // loads like one of the scene, relative to the file that declared its prototype, and a
+    // fault is reported at that declaration.
+    std::vector<NodeNameSpace*> open{&_root->nameSpace()};
+    std::vector<Node*>          nodes;
+    while (!open.empty()) {
+        NodeNameSpace* ns = open.back();
+        open.pop_back();
+        ns->fillNodeVec(nodes);
+        for (Node* node : nodes) {
+            ProtoInstance* instance = ProtoInstance::cast(node);
+            auto*          proc = instance ? dynamic_cast<ProtoInstance::Proc*>(instance->proc()) : nullptr;
+            NodeNameSpace* body = instance ? instance->bodyNameSpace() : nullptr;
+            if (!proc || !body)
+                continue;
+            std::vector<Node*> bodyNodes;
+            body->fillNodeVec(bodyNodes);
+            for (Node* bodyNode : bodyNodes)
+                noteInline(*bodyNode, {proc->sourceLine(), 1}, *body, proc->sourceURL());
+            open.push_back(body);
+        }
+    }
 }
 
 bool SceneBuilder::awaitsInline(const NodeNameSpace& ns, const std::string& name) const
@@ -749,9 +782,9 @@ void SceneBuilder::loadInline(PendingInline& pending)
     };
     bool loaded = false;
     for (const std::string& entry : urls->value()) {
-        Pordane::URL location = Pordane::URL(_url).resolve(entry);
+        Pordane::URL location = Pordane::URL(pending.file).resolve(entry);
         if (!location.isLocal()) {
-            ORV_NOTICE("%s:%d:%d: Inline url '%s' is not local; not fetched\n", _url.c_str(), pending.place.line,
+            ORV_NOTICE("%s:%d:%d: Inline url '%s' is not local; not fetched\n", pending.file.c_str(), pending.place.line,
                        pending.place.column, entry.c_str());
             continue;
         }
@@ -787,7 +820,7 @@ void SceneBuilder::loadInline(PendingInline& pending)
     if (!loaded) {
         _unreadScenes.push_back(inner._root);
         if (!reasons.empty())
-            error(pending.place, "Inline loads no file: " + reasons);
+            fault(pending.file, pending.place, "Inline loads no file: " + reasons);
     }
 }
 
@@ -795,6 +828,8 @@ SmartPtr<Node> SceneBuilder::finish()
 {
     if (!_root)
         return _root;
+    if (_madeInstances)
+        noteInstanceInlines();
     loadInlines();
     auto setText = [&](unsigned id, const std::string& text) { _root->findField(id)->setValueByStr(0.0, text.c_str()); };
     setText(EncodingPart, _header.encoding);

@@ -150,6 +150,7 @@ private:
         SmartPtr<Node>                node;
         std::unique_ptr<SceneBuilder> scene;
         Place                         place;
+        std::string                   file;  // where the Inline was written: its urls are relative to it
     };
     // A ROUTE through an import of a scene still waiting to be read.
     struct PendingRoute {
@@ -162,7 +163,10 @@ private:
     std::string    fieldLabel(const Field& field) const;
     bool           routeIn(NodeNameSpace& ns, const std::string& a, const std::string& af, const std::string& b,
                            const std::string& bf, Place place);
-    void           noteInline(Node& node, Place place);
+    // A fault of `file`, which may be another than this builder's (a prototype's).
+    void           fault(const std::string& file, Place place, std::string message);
+    void           noteInline(Node& node, Place place, NodeNameSpace& parent, const std::string& file);
+    void           noteInstanceInlines();
     // The import `name` of `ns` when it imports from an Inline whose file was not read.
     const NodeNameSpace::Import* unreadImport(const NodeNameSpace& ns, const std::string& name) const;
     // A ROUTE through such an import: the Inline's empty scene gets a stand-in export with the
@@ -191,6 +195,7 @@ private:
     std::vector<PendingRoute>  _pendingRoutes;
     // The scenes of Inlines whose files were not read: loading off, load FALSE, or no file.
     std::vector<SmartPtr<Node>> _unreadScenes;
+    bool                        _madeInstances = false;  // of prototypes: their bodies may hold Inlines
 };
 
 } // namespace Orvane

@@ -2,6 +2,7 @@
 // events cross in both directions, and what cannot be loaded is reported once at its place.
 #include "base/Field.h"
 #include "base/NodeNameSpace.h"
+#include "base/ProtoInstance.h"
 #include "base/X3DClassicWriteAction.h"
 #include "modules/loader/InlineProc.h"
 #include "modules/loader/SceneLoader.h"
@@ -134,6 +135,39 @@ TEST(Inline, WhatCannotLoadIsReportedOnceAtItsPlace)
     EXPECT_NE(InlineProc::of(*named(scene, "Faulty"))->scene(), nullptr);
     EXPECT_EQ(InlineProc::of(*named(scene, "Remote"))->file(), "");
     EXPECT_EQ(InlineProc::of(*named(scene, "Missing"))->file(), "");
+}
+
+// The Inline of a prototype body loads for each instance, with the instance's url.
+TEST(Inline, PrototypeInstancesLoadTheirBodiesInlines)
+{
+    LogCapture  log;
+    LoadedScene scene = SceneLoader::load(data("inline-proto.x3dv"));
+    ASSERT_TRUE(scene.readable());
+    EXPECT_EQ(faults(scene), (std::vector<Fault>{{5, 1, "Inline loads no file: 'no-such-file.x3dv' does not exist"}}));
+    auto bodyInline = [&](const char* instance) -> InlineProc* {
+        ProtoInstance* lamp = ProtoInstance::cast(named(scene, instance));
+        std::vector<Node*> nodes;
+        if (lamp && lamp->bodyNameSpace())
+            lamp->bodyNameSpace()->fillNodeVec(nodes);
+        for (Node* node : nodes)
+            if (InlineProc* proc = InlineProc::of(*node))
+                return proc;
+        return nullptr;
+    };
+    InlineProc* near = bodyInline("Near");
+    InlineProc* far = bodyInline("Far");
+    ASSERT_TRUE(near && far);
+    EXPECT_EQ(near->file(), data("inline-child.x3dv"));
+    EXPECT_NE(near->ownNameSpace()->findNode("Mover"), nullptr);
+    EXPECT_EQ(far->file(), "");
+    // Written back, the body keeps its Inline, never what the Inline loaded.
+    X3DClassicWriteAction writer;
+    std::ostringstream    out;
+    ASSERT_TRUE(SceneLoader::write(*scene.root, writer, out));
+    EXPECT_NE(out.str().find("    children [\n      Inline {\n        url IS where\n      }\n    ]\n  }\n}\n"),
+              std::string::npos)
+        << out.str();
+    EXPECT_EQ(out.str().find("Mover"), std::string::npos) << out.str();
 }
 
 TEST(Inline, NestingBeyondTheLimitIsRefused)

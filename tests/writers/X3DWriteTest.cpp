@@ -319,7 +319,7 @@ TEST(X3DClassic, HeaderStatementsAndAccessWords)
                                          "  initializeOnly SFInt32 d 2\n"
                                          "] {\n"
                                          "  Group {\n"
-                                         "      }\n"
+                                         "  }\n"
                                          "}\n"
                                          "\n"
                                          "P {\n"
