@@ -656,6 +656,11 @@ int NodeType::initProtoType()
         ORV_WARNING("%s Proto without body\n", _name.c_str());
         return 1;
     }
+    for (const NodeType* t = first; t; t = t->_parentNodeType)
+        if (t == this) {
+            ORV_WARNING("%s Proto whose body starts with its own kind\n", _name.c_str());
+            return 1;
+        }
     int failures = first->initType(false);
     _parentNodeType = first;
     first->_derivedNodeTypeList.push_back(this);

@@ -108,6 +108,13 @@ ProtoInstance* ProtoInstance::build(NodeType& type, NodeNameSpace& nameSpace, co
         refusedBelow = !instantiating.empty();
         return nullptr;
     }
+    // An instance made in the prototype's own body, while that is being declared, would make
+    // the prototype its own base type.
+    if (!source.isExternal() && &nameSpace == &source.body()) {
+        ORV_WARNING("Recursive PROTO refused: %s inside its own body\n", source.protoName().c_str());
+        refusedBelow = !instantiating.empty();
+        return nullptr;
+    }
     if (instantiating.size() >= ProtoDeclaration::MaxNestingDepth) {
         ORV_WARNING("PROTO nesting deeper than %u refused: %s\n", ProtoDeclaration::MaxNestingDepth,
                     chainText(instantiating.cbegin(), source).c_str());

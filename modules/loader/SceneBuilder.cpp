@@ -285,6 +285,10 @@ Node* SceneBuilder::createNode(std::string_view typeName, std::string_view defNa
         _madeInstances = _madeInstances || type->isProto();
         if (node)
             return node;
+        if (type->isProto()) {
+            error(place, "instance of PROTO '" + _text + "' refused: it would hold itself or nest too deep");
+            return nullptr;
+        }
     }
     error(place, "unknown node type '" + _text + "'");
     NodeType* standIn = standInType(_root->nameSpace(), _text);

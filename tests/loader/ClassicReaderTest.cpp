@@ -148,6 +148,19 @@ TEST(ClassicReader, NestingBeyondTheLimitIsAnError)
     EXPECT_EQ(scene.errors.front().message, "nesting deeper than 200 levels");
 }
 
+// A prototype's instance in its own body would make the prototype its own base type.
+TEST(ClassicReader, AnInstanceInItsOwnPrototypeBodyIsRefused)
+{
+    LogCapture  log;
+    LoadedScene scene = SceneLoader::loadData("#X3D V4.0\nPROTO Lamp [] { Lamp { } Lamp {", "self.x3dv");
+    ASSERT_TRUE(scene.readable());
+    const std::string refused = "instance of PROTO 'Lamp' refused: it would hold itself or nest too deep";
+    EXPECT_EQ(faults(scene), (std::vector<Fault>{{2, 17, refused},
+                                                 {2, 26, refused},
+                                                 {2, 15, "missing '}' for this prototype body"}}));
+    EXPECT_EQ(log.count("Recursive PROTO refused: Lamp inside its own body\n", LOG_WARNING), 2);
+}
+
 TEST(ClassicReader, NotASceneAndBrokenGzipAreUnreadable)
 {
     LogCapture log;
