@@ -435,7 +435,7 @@ bool NodeType::setDefaultDescendant(NodeType* type)
 void NodeType::changeObjCounter(int delta) const
 {
     for (const NodeType* t = this; t; t = t->_parentNodeType)
-        t->_objectCount += static_cast<std::uint32_t>(delta);
+        t->_objectCount.fetch_add(static_cast<std::uint32_t>(delta), std::memory_order_relaxed);
 }
 
 void NodeType::setStatusID()
@@ -751,7 +751,7 @@ void NodeType::dump() const
     ORV_PLOG("NodeType: %s (ID %u), library %s, parent %s, component %s, status %s, %s%s%u parts, %u nodes\n",
              _name.c_str(), _ID, _library.c_str(), _parentNodeType ? _parentNodeType->_name.c_str() : "none",
              _component.c_str(), _status.c_str(), isAbstract() ? "abstract, " : "", isProto() ? "proto, " : "",
-             partCount(), _objectCount);
+             partCount(), objectCount());
 }
 
 void NodeType::dumpStatic()

@@ -7,6 +7,7 @@
 #include "base/RefCountObject.h"
 #include "base/SmartPtr.h"
 
+#include <atomic>
 #include <cstdint>
 #include <list>
 #include <memory>
@@ -86,7 +87,7 @@ public:
     bool               isContextRoot() const { return _isContextRoot; }
     bool               isExtensible() const { return _isExtensible; }
     bool               isInitialized() const { return _isInitialized; }
-    std::uint32_t      objectCount() const { return _objectCount; }
+    std::uint32_t      objectCount() const { return _objectCount.load(std::memory_order_relaxed); }
     TypeCheckFunc      typeCheckFunc() const { return _typeCheck; }
     bool               checkType(const Node* node) const { return _typeCheck && _typeCheck(node); }
 
@@ -192,7 +193,8 @@ private:
     NodeTypeNameSpace*   _nameSpace;
     Component*           _compObj = nullptr;
     bool                 _isInitialized = false;
-    mutable std::uint32_t _objectCount = 0;
+    // Nodes of the type and its descendants; nodes are made and released on any thread.
+    mutable std::atomic<std::uint32_t> _objectCount{0};
     std::uint32_t        _ID;
     std::string          _name;
     std::string          _library;

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <thread>
 
 using namespace Orvane;
 using namespace Orvane::Test;
@@ -121,6 +122,20 @@ TEST_F(NodeTypeTest, ObjectCountCoversEveryAncestor)
         EXPECT_EQ(crate.objectCount(), 1u);
         EXPECT_EQ(shape.objectCount(), 2u);
     }
+    EXPECT_EQ(shape.objectCount(), 0u);
+    EXPECT_EQ(Node::classType().objectCount(), nodes0);
+
+    // Nodes are made and released on several threads at once, each in a namespace of its own.
+    std::vector<std::thread> workers;
+    for (int t = 0; t < 4; ++t)
+        workers.emplace_back([this] {
+            SmartPtr<NodeNameSpace>     ns(new NodeNameSpace("worker"));
+            std::vector<SmartPtr<Node>> made;
+            for (int i = 0; i < 500; ++i)
+                made.emplace_back(crate.createNode(ns.get()));
+        });
+    for (std::thread& w : workers)
+        w.join();
     EXPECT_EQ(shape.objectCount(), 0u);
     EXPECT_EQ(Node::classType().objectCount(), nodes0);
 }
