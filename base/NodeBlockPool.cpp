@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <mutex>
-#include <thread>
 #include <new>
+#include <thread>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define ORVANE_POOL_BYPASS 1
@@ -42,7 +42,7 @@ struct SizeClass;
 struct Chunk {
     SizeClass*    sizeClass = nullptr; // null for a chunk of one large block
     std::size_t   mapped = 0;
-    std::size_t   blockBytes = 0;
+    std::size_t   blockBytes = 0; // of the large block
     Chunk*        prev = nullptr; // in its class's list of chunks with room
     Chunk*        next = nullptr;
     FreeBlock*    free = nullptr;
@@ -99,6 +99,30 @@ Pool& pool()
     return p;
 }
 
+void unmapChunk(Chunk* chunk)
+{
+    const std::size_t bytes = chunk->mapped;
+    chunk->~Chunk();
+#ifdef ORVANE_POOL_MMAP
+    munmap(chunk, bytes);
+#else
+    std::free(chunk);
+#endif
+    pool().bytesMapped.fetch_sub(bytes, std::memory_order_relaxed);
+}
+
+void unlistWithRoom(SizeClass& cls, Chunk* chunk)
+{
+    if (chunk->prev)
+        chunk->prev->next = chunk->next;
+    else
+        cls.withRoom = chunk->next;
+    if (chunk->next)
+        chunk->next->prev = chunk->prev;
+    chunk->prev = chunk->next = nullptr;
+    chunk->hasRoomListed = false;
+}
+
 #ifndef ORVANE_POOL_BYPASS
 
 Chunk* chunkOf(const void* block)
@@ -134,22 +158,6 @@ Chunk* mapChunk(std::size_t bytes)
     return chunk;
 }
 
-#endif
-
-void unmapChunk(Chunk* chunk)
-{
-    const std::size_t bytes = chunk->mapped;
-    chunk->~Chunk();
-#ifdef ORVANE_POOL_MMAP
-    munmap(chunk, bytes);
-#else
-    std::free(chunk);
-#endif
-    pool().bytesMapped.fetch_sub(bytes, std::memory_order_relaxed);
-}
-
-#ifndef ORVANE_POOL_BYPASS
-
 bool hasRoom(const Chunk& chunk)
 {
     const char* end = reinterpret_cast<const char*>(&chunk) + chunk.mapped;
@@ -165,22 +173,6 @@ void listWithRoom(SizeClass& cls, Chunk* chunk)
     cls.withRoom = chunk;
     chunk->hasRoomListed = true;
 }
-
-#endif
-
-void unlistWithRoom(SizeClass& cls, Chunk* chunk)
-{
-    if (chunk->prev)
-        chunk->prev->next = chunk->next;
-    else
-        cls.withRoom = chunk->next;
-    if (chunk->next)
-        chunk->next->prev = chunk->prev;
-    chunk->prev = chunk->next = nullptr;
-    chunk->hasRoomListed = false;
-}
-
-#ifndef ORVANE_POOL_BYPASS
 
 void* allocateLarge(std::size_t size)
 {
@@ -206,7 +198,6 @@ void* takeBlock(SizeClass& cls)
         if (!chunk)
             throw std::bad_alloc();
         chunk->sizeClass = &cls;
-        chunk->blockBytes = cls.blockSize;
         listWithRoom(cls, chunk);
     }
     if (chunk->retainedEmpty) {

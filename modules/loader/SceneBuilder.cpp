@@ -539,15 +539,21 @@ bool SceneBuilder::routeIn(NodeNameSpace& ns, const std::string& a, const std::s
     return true;
 }
 
+Node* SceneBuilder::unreadScene(const NodeNameSpace* inner) const
+{
+    for (const SmartPtr<Node>& root : _unreadScenes)
+        if (&root->nameSpace() == inner)
+            return root.get();
+    return nullptr;
+}
+
 const NodeNameSpace::Import* SceneBuilder::unreadImport(const NodeNameSpace& ns, const std::string& name) const
 {
     if (_unreadScenes.empty())
         return nullptr;
     for (const NodeNameSpace::Import& import : ns.importVec())
-        if (import.localName == name)
-            for (const SmartPtr<Node>& root : _unreadScenes)
-                if (&root->nameSpace() == import.from)
-                    return &import;
+        if (import.localName == name && unreadScene(import.from))
+            return &import;
     return nullptr;
 }
 
@@ -566,9 +572,7 @@ void SceneBuilder::standInImport(const NodeNameSpace::Import& import, const std:
         standIn = type ? type->createNode(&inner, import.exportName.c_str(), LoaderCreator) : nullptr;
         if (!standIn)
             return;
-        for (const SmartPtr<Node>& root : _unreadScenes)
-            if (&root->nameSpace() == &inner)
-                static_cast<MFNode*>(root->findField(ChildrenPart))->addChild(standIn);
+        static_cast<MFNode*>(unreadScene(&inner)->findField(ChildrenPart))->addChild(standIn);
         inner.exportNode(import.exportName, import.exportName);
     }
     if (!standIn->findField(field))

@@ -167,6 +167,8 @@ private:
     void           fault(const std::string& file, Place place, std::string message);
     void           noteInline(Node& node, Place place, NodeNameSpace& parent, const std::string& file);
     void           noteInstanceInlines();
+    // The root of the scene of an Inline whose file was not read, whose namespace is `inner`.
+    Node* unreadScene(const NodeNameSpace* inner) const;
     // The import `name` of `ns` when it imports from an Inline whose file was not read.
     const NodeNameSpace::Import* unreadImport(const NodeNameSpace& ns, const std::string& name) const;
     // A ROUTE through such an import: the Inline's empty scene gets a stand-in export with the
