@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace Orvane {
 
@@ -34,9 +35,9 @@ Field::~Field()
     Events* e = eventsIfAny();
     if (!e)
         return;
-    delete e->inSlot;
-    delete e->outSlot;
-    delete e;
+    // The record itself goes with the part, after the slots that still ask for it.
+    delete std::exchange(e->inSlot, nullptr);
+    delete std::exchange(e->outSlot, nullptr);
 }
 
 void Field::Events::refreshFastPath()
@@ -157,7 +158,7 @@ bool Field::valueIsDefault() const
     if (!d)
         return true;
     // A field of a prototype instance is at its default while it holds the declaration's value.
-    if (const ProtoDeclaration* declaration = _owner->type().protoDeclaration()) {
+    if (const ProtoDeclaration* declaration = owner().type().protoDeclaration()) {
         if (d->ID() < declaration->fieldCount()) {
             const Field* initial = declaration->initialValue(d->ID());
             return initial && initial->equalValue(*this);
@@ -172,7 +173,7 @@ bool Field::valueIsDefault() const
             return strValue().empty();
         return false;
     }
-    std::unique_ptr<Field> reference(FieldType::create(dataType(), *_owner));
+    std::unique_ptr<Field> reference(FieldType::create(dataType(), owner()));
     if (!reference)
         return false;
     reference->setValueByStr(text.c_str());
@@ -182,7 +183,7 @@ bool Field::valueIsDefault() const
 bool Field::changed() const
 {
     const NodePartDesc* d = desc();
-    return d && _owner->checkChangedMask(d->mask());
+    return d && owner().checkChangedMask(d->mask());
 }
 
 std::string Field::strValue() const
@@ -201,11 +202,12 @@ void Field::markChanged()
         ORV_INFO("Field without desc in XField::markChanged()\n");
         return;
     }
-    if (!_owner->hasFlag(Node::MarkedFlag)) {
-        _owner->markParent(1);
-        _owner->setFlag(Node::MarkedFlag);
+    Node& node = owner();
+    if (!node.hasFlag(Node::MarkedFlag)) {
+        node.markParent(1);
+        node.setFlag(Node::MarkedFlag);
     }
-    _owner->markChanged(d->mask());
+    node.markChanged(d->mask());
 }
 
 void Field::processValueChange(const double& time, CallerType callerType)
@@ -213,7 +215,7 @@ void Field::processValueChange(const double& time, CallerType callerType)
     const NodePartDesc* d = desc();
     if (!d)
         return;
-    Node& node = *_owner;
+    Node& node = owner();
     if (node.checkLogFeature(LogFieldValueChanged))
         ORV_PLOG("%s/%s.%s: processValueChange()\n", node.type().name().c_str(), node.getIDStr().c_str(),
                  d->name().c_str());
@@ -249,7 +251,7 @@ void Field::processValueChange(const double& time, CallerType callerType)
 
 bool Field::receive(const double& time)
 {
-    Node& node = *_owner;
+    Node& node = owner();
     if (node.checkLogFeature(LogEventIn))
         ORV_PLOG("%s/%s Field Receive on %s: %f/%s\n", node.type().name().c_str(), node.getIDStr().c_str(),
                  nameOrNoName(), time, strValue().c_str());
@@ -266,7 +268,7 @@ void Field::send(const double& time, bool markChanging, bool onlyIS)
 {
     const NodePartDesc* d = desc();
     // An exported node's output reaches the importing side even before anyone routed it.
-    if (!outSlotIfAny() && d && d->hasOutSlot() && _owner->isExported())
+    if (!outSlotIfAny() && d && d->hasOutSlot() && owner().isExported())
         createOutSlot(false);
     Events* e = eventsIfAny();
     if (!e)
@@ -287,9 +289,10 @@ void Field::send(const double& time, bool markChanging, bool onlyIS)
     // field (a change during its own cascade) included: an event that comes back after the
     // nested send is taken once more.
     const PartMask mask = d ? d->mask() : _nullMask;
-    _owner->setIsChanging(mask);
+    Node& node = owner();
+    node.setIsChanging(mask);
     out->sendEvent(time, *this, nullptr, onlyIS);
-    _owner->clearIsChanging(mask);
+    node.clearIsChanging(mask);
 }
 
 // --- event slots ---
@@ -422,8 +425,8 @@ void Field::dump(bool withOwner) const
 {
     ORV_PLOG("FieldDump: %s, dataType %s, value: %s\n", nameOrNoName(), dataTypeName().c_str(), strValue().c_str());
     if (withOwner)
-        ORV_PLOG(" Node: %s, %s, %s\n", _owner->type().name().c_str(), _owner->getIDStr().c_str(),
-                 stateName(_owner->state()));
+        ORV_PLOG(" Node: %s, %s, %s\n", owner().type().name().c_str(), owner().getIDStr().c_str(),
+                 stateName(owner().state()));
 }
 
 bool Field::assign(Field& to, const Field& from, ConvertParam* param)

@@ -117,6 +117,7 @@ private:
     // Slots and listeners are rare beside the number of fields, so they share one record made
     // on first need, which also takes over the descriptor.
     struct Events : Extension {
+        Events() { withEvents = true; }
         EventInSlot*           inSlot = nullptr;
         EventOutSlot*          outSlot = nullptr;
         std::vector<Listener*> listeners;
@@ -124,7 +125,11 @@ private:
         void refreshFastPath();
     };
     Events&       events();
-    Events*       eventsIfAny() const { return static_cast<Events*>(extension()); }
+    Events* eventsIfAny() const
+    {
+        Extension* e = extension();
+        return e && e->withEvents ? static_cast<Events*>(e) : nullptr;
+    }
     EventInSlot*  inSlotIfAny() const { return eventsIfAny() ? eventsIfAny()->inSlot : nullptr; }
     EventOutSlot* outSlotIfAny() const { return eventsIfAny() ? eventsIfAny()->outSlot : nullptr; }
 };

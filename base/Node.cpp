@@ -15,6 +15,7 @@
 #include "base/Subject.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <cstdlib>
 #include <mutex>
 #include <unordered_set>
@@ -36,6 +37,8 @@ struct IDRegistry {
     };
     std::mutex         lock;
     std::vector<Entry> entries;
+    // The ID texts made so far, by node (see getIDStr).
+    std::unordered_map<const Node*, std::string> idTexts;
     std::size_t        live = 0;
     std::uint64_t      nextID = 1;
 
@@ -207,12 +210,11 @@ void Node::destroyProc(NodeProc* proc)
 void Node::PartTable::init(std::uint32_t count, char* area, const NodeLayout* layout)
 {
     delete[] std::exchange(_data, nullptr);
-    _area = area;
+    _areaOffset = area ? static_cast<std::uint32_t>(area - reinterpret_cast<char*>(this)) : 0;
     _layout = layout;
     _built = 0;
     _size = count;
-    _capacity = count;
-    if (!area || !layout->placesAll || layout->fieldOffsets.size() != count)
+    if (count && (!area || !layout->placesAll || layout->fieldOffsets.size() != count))
         toTable(count);
 }
 
@@ -225,33 +227,60 @@ void Node::PartTable::set(std::size_t i, NodePart* part)
             return;
         }
         if (_layout->fieldOffsets[i] != NodeLayout::NoPlace &&
-            static_cast<void*>(part) == _area + _layout->fieldOffsets[i]) {
+            static_cast<void*>(part) == area() + _layout->fieldOffsets[i]) {
             _built |= bit;
             return;
         }
-        toTable(_capacity);
+        toTable(_size);
     }
     _data[i] = part;
 }
 
 void Node::PartTable::push_back(NodePart* part)
 {
-    // Dynamic fields are few; double anyway so that a long run of them stays linear.
-    if (!_data || _size == _capacity)
-        toTable(_capacity > _size ? _capacity : (_capacity ? 2 * _capacity : 4));
+    // Dynamic fields are few; the room doubles anyway so that a long run of them stays linear.
+    if (!_data || _size == roomFor(_size))
+        toTable(_size + 1);
     _data[_size++] = part;
 }
 
-void Node::PartTable::toTable(std::uint32_t capacity)
+void Node::PartTable::toTable(std::uint32_t size)
 {
-    if (capacity < _size)
-        capacity = _size;
-    auto* data = capacity ? new NodePart*[capacity] : nullptr;
+    auto* data = new NodePart*[roomFor(size > _size ? size : _size)];
     for (std::uint32_t i = 0; i < _size; ++i)
         data[i] = (*this)[i];
     delete[] _data;
     _data = data;
-    _capacity = capacity;
+}
+
+void Node::ParentList::push_back(NodeLink* link)
+{
+    if (!_capacity && !_size) {
+        _one = link;
+        _size = 1;
+        return;
+    }
+    if (_size == _capacity || !_capacity) {
+        const std::uint32_t capacity = _capacity ? 2 * _capacity : 4;
+        auto* many = new NodeLink*[capacity];
+        std::copy(begin(), end(), many);
+        if (_capacity)
+            delete[] _many;
+        _many = many;
+        _capacity = capacity;
+    }
+    _many[_size++] = link;
+}
+
+bool Node::ParentList::remove(NodeLink* link)
+{
+    NodeLink** first = _capacity ? _many : &_one;
+    NodeLink** found = std::find(first, first + _size, link);
+    if (found == first + _size)
+        return false;
+    std::copy(found + 1, first + _size, found);
+    --_size;
+    return true;
 }
 
 Node* Node::createNode(NodeType& type, NodeNameSpace& nameSpace, const char* name)
@@ -369,10 +398,10 @@ Node::~Node()
         NodePart* part = _parts[i];
         if (!part)
             continue;
-        NodePartDesc* desc = part->desc();
+        NodePartDesc* desc = i >= typeParts ? part->desc() : nullptr;
         destroyPart(part);
         // Dynamic fields own their descriptors.
-        if (i >= typeParts && desc && desc->objExtension())
+        if (desc && desc->objExtension())
             delete desc;
     }
     destroyProc(std::exchange(_proc, nullptr));
@@ -383,6 +412,8 @@ Node::~Node()
     auto& entries = r.entries;
     entries[_idSlot].node = nullptr;
     --r.live;
+    if (_idTextKept)
+        r.idTexts.erase(this);
     // Holes at the end go at once; the others when they are the majority. A squeeze moves
     // every live entry once, paid for by the departures since the last one.
     while (!entries.empty() && !entries.back().node)
@@ -441,11 +472,14 @@ const std::string& Node::getIDStr() const
 {
     if (_name)
         return *_name;
-    if (!_idStr) {
-        _idStr = std::make_unique<std::string>(1, '#');
-        *_idStr += std::to_string(_ID);
+    IDRegistry& r = idRegistry();
+    std::lock_guard<std::mutex> lock(r.lock);
+    std::string& text = r.idTexts[this];
+    if (!_idTextKept) {
+        text = "#" + std::to_string(_ID);
+        _idTextKept = true;
     }
-    return *_idStr;
+    return text;
 }
 
 std::uint64_t Node::parseIDStr(const std::string& text)
@@ -761,12 +795,15 @@ void Node::makeDeclaredFields()
             makeField(id, true);
             continue;
         }
-        Field* field = placed->placeMethod()(_parts.area() + _parts.layout()->fieldOffsets[id], *this);
-        field->setDesc(desc);
+        const std::uint32_t offset = _parts.layout()->fieldOffsets[id];
+        Field* field = placed->placeMethod()(_parts.area() + offset, *this);
+        // The layout names the descriptor of the place, unless the type changed it since.
+        if (_parts.layout()->slotDescs[offset / 8] != desc)
+            field->setDesc(desc);
         _parts.set(id, field);
         if (defaults[id])
             placed->defaultValueMethods().apply(*field, defaults[id]);
-        else
+        else if (!desc->defaultValue().empty())
             field->setDefaultValue(0.0);
     }
 }
@@ -925,11 +962,7 @@ void Node::updateLogFeature()
 
 bool Node::removeParentLink(NodeLink* link)
 {
-    auto found = std::find(_parentLinks.begin(), _parentLinks.end(), link);
-    if (found == _parentLinks.end())
-        return false;
-    _parentLinks.erase(found);
-    return true;
+    return _parentLinks.remove(link);
 }
 
 // --- children ---
@@ -1047,7 +1080,7 @@ void Node::removeAllChildren(const double&)
 void Node::removeAllParentLinks(const double&)
 {
     SmartPtr<Node> keep = keepAlive(this);
-    std::vector<NodeLink*> links = _parentLinks;
+    std::vector<NodeLink*> links(_parentLinks.begin(), _parentLinks.end());
     for (NodeLink* link : links) {
         Field* field = link->getField();
         if (field && field->dataType() == MFNodeType)
@@ -1101,7 +1134,7 @@ bool Node::replace(Node& other)
     if (&other == this)
         return true;
     SmartPtr<Node> keep = keepAlive(this);
-    std::vector<NodeLink*> links = _parentLinks;
+    std::vector<NodeLink*> links(_parentLinks.begin(), _parentLinks.end());
     bool ok = true;
     for (NodeLink* link : links) {
         if (!link) {

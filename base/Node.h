@@ -183,7 +183,40 @@ public:
     bool          checkLogFeature(LogFeature feature) const { return (_debugFlags >> feature) & 1u; }
 
     // Parents.
-    using ParentList = std::vector<NodeLink*>;
+    // The links that point to the node. Most nodes have one parent: that link is kept in
+    // place, and only a second one moves the list to the heap.
+    class ORVANE_API ParentList {
+    public:
+        using const_iterator = NodeLink* const*;
+
+        ParentList() = default;
+        ParentList(const ParentList&) = delete;
+        ParentList& operator=(const ParentList&) = delete;
+        ~ParentList()
+        {
+            if (_capacity)
+                delete[] _many;
+        }
+
+        const_iterator begin() const { return _capacity ? _many : &_one; }
+        const_iterator end() const { return begin() + _size; }
+        std::size_t    size() const { return _size; }
+        bool           empty() const { return _size == 0; }
+        NodeLink*      front() const { return *begin(); }
+        NodeLink*      back() const { return begin()[_size - 1]; }
+
+        void push_back(NodeLink* link);
+        // Removes the first entry of `link`; false when there is none.
+        bool remove(NodeLink* link);
+
+    private:
+        union {
+            NodeLink*  _one = nullptr;
+            NodeLink** _many;
+        };
+        std::uint32_t _size = 0;
+        std::uint32_t _capacity = 0;
+    };
     const ParentList&          parentLinks() const { return _parentLinks; }
     ParentList::const_iterator beginParent() const { return _parentLinks.begin(); }
     ParentList::const_iterator endParent() const { return _parentLinks.end(); }
@@ -257,15 +290,16 @@ protected:
     // The field type of descriptor `id` where the node's layout places its field in the block;
     // null where the field is made on the heap.
     const FieldType* placedType(unsigned id, const NodePartDesc& desc) const;
-
-private:
-    friend class NodeLink;
-    friend class NodeNameSpace;
-    friend class NodeType;
-
     // Makes the next Node::operator new on this thread lay out a block for `type`; returns
     // the request it replaces.
     static const NodeType* requestBlock(const NodeType* type);
+
+private:
+    friend class NodeLink;
+    friend class NodePart;
+    friend class NodeNameSpace;
+    friend class NodeType;
+
 
     bool setState(const double& time, NodeState state);
     bool updateTreeState(const double& time, NodeState state);
@@ -299,46 +333,65 @@ private:
         void        pop_back() { --_size; }
         void        push_back(NodePart* part);
         // The block area after the node object and its layout; null for a node without block.
-        char*             area() const { return _area; }
+        char* area() const
+        {
+            return _areaOffset ? reinterpret_cast<char*>(const_cast<PartTable*>(this)) + _areaOffset : nullptr;
+        }
+        // The descriptor the layout gives the place `part` is at; null outside the area.
+        NodePartDesc* descAt(const void* part) const
+        {
+            const std::uintptr_t at = reinterpret_cast<std::uintptr_t>(part) - reinterpret_cast<std::uintptr_t>(area());
+            return _areaOffset && at < _layout->areaSize ? _layout->slotDescs[at / 8] : nullptr;
+        }
         const NodeLayout* layout() const { return _layout; }
 
     private:
         NodePart* placed(std::size_t i) const
         {
-            return i < 64 && ((_built >> i) & 1u) ? std::launder(reinterpret_cast<NodePart*>(_area + _layout->fieldOffsets[i]))
+            return i < 64 && ((_built >> i) & 1u) ? std::launder(reinterpret_cast<NodePart*>(area() + _layout->fieldOffsets[i]))
                                       : nullptr;
         }
-        // Moves the parts into a table with room for `capacity`.
-        void toTable(std::uint32_t capacity);
+        // The table's room: its size rounded up to a power of two, at least 4. It is what every
+        // table is made with, and a table that shrank has at least that much.
+        static std::uint32_t roomFor(std::uint32_t size)
+        {
+            std::uint32_t room = 4;
+            while (room < size)
+                room *= 2;
+            return room;
+        }
+        // Moves the parts into a table with room for `size` entries.
+        void toTable(std::uint32_t size);
 
         NodePart**        _data = nullptr;
-        char*             _area = nullptr;
         const NodeLayout* _layout = nullptr;
         std::uint64_t     _built = 0;
         std::uint32_t     _size = 0;
-        std::uint32_t     _capacity = 0;
+        // Where the block area lies, counted from this table inside the node; 0 without area.
+        std::uint32_t     _areaOffset = 0;
     };
 
     NodeType*                          _type;
     NodeProc*                          _proc = nullptr;
     NodeNameSpace*                     _nameSpace;
-    std::shared_ptr<const std::string> _name;
-    // Made on first use: most nodes never print their ID text.
-    mutable std::unique_ptr<std::string> _idStr;
+    std::unique_ptr<const std::string> _name;
     std::uint64_t                      _ID = 0;
-    NodeState                          _state = Creation;
-    NodeCreator                        _creator = UnknownCreator;
+    NodeState                          _state : 8 = Creation;
+    NodeCreator                        _creator : 8 = UnknownCreator;
+    // The ID text is made on first use and kept beside the ID map: most nodes never print it.
+    mutable bool                       _idTextKept = false;
     std::uint32_t                      _flags = 0;
     std::uint32_t                      _debugFlags = 0;
+    // How many of the namespace's exports name this node.
+    std::uint32_t                      _exportCount = 0;
     PartMask                           _logFeatureMask;
     PartMask                           _changedMask;
     PartMask                           _isChangingMask;
     PartTable                          _parts;
     ParentList                         _parentLinks;
-    // The namespace's list of its nodes, and how many of its exports name this node.
+    // The namespace's list of its nodes.
     Node*                              _nsPrev = nullptr;
     Node*                              _nsNext = nullptr;
-    std::uint32_t                      _exportCount = 0;
     // The node's place in the ID map.
     std::uint32_t                      _idSlot = 0;
 };

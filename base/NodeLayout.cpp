@@ -18,7 +18,7 @@ NodeLayout::~NodeLayout()
 bool NodeLayout::sameAs(const NodeLayout& other) const
 {
     return fieldOffsets == other.fieldOffsets && fieldTypes == other.fieldTypes &&
-           defaultTexts == other.defaultTexts && procOffset == other.procOffset && areaSize == other.areaSize &&
+           defaultTexts == other.defaultTexts && slotDescs == other.slotDescs && procOffset == other.procOffset && areaSize == other.areaSize &&
            placesAll == other.placesAll;
 }
 

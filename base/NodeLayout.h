@@ -12,6 +12,7 @@ namespace Orvane {
 
 class FieldType;
 class Node;
+class NodePartDesc;
 
 // Where the declared fields and the default processor of a type's nodes sit in the block after
 // the node object, and the fields' default values. A layout never changes once made: a type
@@ -30,6 +31,9 @@ public:
     std::vector<std::uint32_t>    fieldOffsets;
     std::vector<const FieldType*> fieldTypes;
     std::vector<std::string>      defaultTexts;
+    // The descriptor of the field at each 8-byte step of the area (null between fields): a
+    // field in the block finds its descriptor from its place.
+    std::vector<NodePartDesc*>    slotDescs;
     std::uint32_t                 procOffset = NoPlace;
     std::uint32_t                 areaSize = 0;
     // Every part that holds a field has its place, and there are at most 64 parts: a node

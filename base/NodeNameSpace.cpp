@@ -267,7 +267,7 @@ bool NodeNameSpace::regNode(Node& node, NodeType& type, const std::string& name,
     } else {
         found = _defMap.emplace(name, Entry{&node, autoNamed}).first;
     }
-    node._name = std::make_shared<const std::string>(found->first);
+    node._name = std::make_unique<const std::string>(found->first);
     if (newObjectSubject().observerCount())
         newObjectSubject().notify(0.0, &node);
     return true;

@@ -9,18 +9,40 @@ namespace Orvane {
 
 const PartMask NodePart::_nullMask;
 
+NodePart::NodePart(const NodePart& other) : BaseObject(), _meta(&other.owner())
+{
+    setDesc(other.desc());
+}
+
+NodePart::~NodePart()
+{
+    delete extension();
+}
+
+NodePartDesc* NodePart::placedDesc() const
+{
+    return static_cast<const Node*>(_meta)->_parts.descAt(this);
+}
+
 void NodePart::setDesc(NodePartDesc* desc)
 {
-    if (Extension* e = extension())
+    if (Extension* e = extension()) {
         e->desc = desc;
-    else
-        _meta = descBits(desc);
+        return;
+    }
+    if (desc == placedDesc())
+        return;
+    setExtension(new Extension);
+    extension()->desc = desc;
 }
 
 void NodePart::setExtension(Extension* extension)
 {
+    Extension* former = this->extension();
+    extension->owner = &owner();
     extension->desc = desc();
-    _meta = reinterpret_cast<std::uintptr_t>(extension) | ExtendedBit;
+    _meta = reinterpret_cast<char*>(extension) + 1;
+    delete former;
 }
 
 const char* NodePart::findName() const
@@ -56,7 +78,7 @@ bool NodePart::isNodeTypePart() const
     const NodePartDesc* d = desc();
     if (!d)
         return false;
-    const NodeType& type = _owner->type();
+    const NodeType& type = owner().type();
     return d->ID() < type.partCount() && type.part(d->ID()) == d;
 }
 

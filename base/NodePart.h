@@ -24,56 +24,65 @@ enum NodePartType : std::int32_t {
 };
 
 // Common base of the per-node part objects: fields and event slots.
+// A part knows its owner and its descriptor in one word. A part in its owner's block finds the
+// descriptor from its place there; any other part with a descriptor, and every part with event
+// slots, keeps both in a record of its own.
 class ORVANE_API NodePart : public BaseObject {
 public:
-    explicit NodePart(Node& owner) : _owner(&owner) {}
-    NodePart(const NodePart& other) : BaseObject(), _owner(other._owner), _meta(descBits(other.desc())) {}
+    explicit NodePart(Node& owner) : _meta(&owner) {}
+    NodePart(const NodePart& other);
     NodePart& operator=(const NodePart&) = delete;
-    ~NodePart() override = default;
+    ~NodePart() override;
 
     virtual const char*        findName() const;
     virtual NodePartDataType   dataType() const = 0;
     virtual const std::string& dataTypeName() const = 0;
     virtual NodePartType       type() const;
 
-    Node&               owner() const { return *_owner; }
-    NodePartDesc*       desc() const
+    Node& owner() const
     {
-        return (_meta & ExtendedBit) ? reinterpret_cast<const Extension*>(_meta & ~ExtendedBit)->desc
-                                     : reinterpret_cast<NodePartDesc*>(_meta);
+        const Extension* e = extension();
+        return e ? *e->owner : *static_cast<Node*>(_meta);
+    }
+    NodePartDesc* desc() const
+    {
+        const Extension* e = extension();
+        return e ? e->desc : placedDesc();
     }
     void                setDesc(NodePartDesc* desc);
-    // The part's bit in the node masks; the empty mask without descriptor.
     PartMask            mask() const;
-    // The name, or "NoName" when the part has none: for log lines.
     const char*         nameOrNoName() const;
 
-    // True when the part's descriptor is the one the owner's type holds at its ID.
     bool isNodeTypePart() const;
 
     static const PartMask _nullMask;
 
 protected:
-    // What a part gains once it has event slots or listeners. It takes over the descriptor, so
-    // that a part without them holds both in one word.
     struct Extension {
+        Extension() = default;
+        Extension(const Extension&) = delete;
+        Extension& operator=(const Extension&) = delete;
+        virtual ~Extension() = default;
+        Node*         owner = nullptr;
         NodePartDesc* desc = nullptr;
+        // Set by the record that also holds event slots (see Field).
+        bool          withEvents = false;
     };
     Extension* extension() const
     {
-        return (_meta & ExtendedBit) ? reinterpret_cast<Extension*>(_meta & ~ExtendedBit) : nullptr;
+        return (reinterpret_cast<std::uintptr_t>(_meta) & 1u)
+                   ? reinterpret_cast<Extension*>(static_cast<char*>(_meta) - 1)
+                   : nullptr;
     }
-    // Hands the part's descriptor to `extension`, which the part keeps from now on.
+    // Takes over owner and descriptor into `extension` and lets a former record go.
     void setExtension(Extension* extension);
 
-    Node* _owner;
-
 private:
-    static constexpr std::uintptr_t ExtendedBit = 1;
-    static std::uintptr_t descBits(NodePartDesc* desc) { return reinterpret_cast<std::uintptr_t>(desc); }
+    // The descriptor of the owner's layout at this part's place; null for a part elsewhere.
+    NodePartDesc* placedDesc() const;
 
-    // The descriptor, or the extension with the low bit set.
-    std::uintptr_t _meta = 0;
+    // The owner, or the record one byte on (its lowest bit set).
+    void* _meta;
 };
 
 } // namespace Orvane

@@ -593,6 +593,10 @@ void NodeType::computeLayout()
         at += sizeof(NodeProc);
     }
     layout->areaSize = alignUp(at, maxAlign);
+    layout->slotDescs.assign(layout->areaSize / 8, nullptr);
+    for (std::size_t i = 0; i < _descVec.size(); ++i)
+        if (layout->fieldOffsets[i] != NodeLayout::NoPlace)
+            layout->slotDescs[layout->fieldOffsets[i] / 8] = _descVec[i];
     // Laid out as before: keep the layout the live nodes share.
     for (const auto& earlier : _layouts)
         if (earlier->sameAs(*layout)) {
@@ -664,6 +668,8 @@ int NodeType::initProtoType()
     int failures = first->initType(false);
     _parentNodeType = first;
     first->_derivedNodeTypeList.push_back(this);
+    // Instances keep their interface fields in their block like any node.
+    computeLayout();
     return failures;
 }
 

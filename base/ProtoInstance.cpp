@@ -125,7 +125,9 @@ ProtoInstance* ProtoInstance::build(NodeType& type, NodeNameSpace& nameSpace, co
     ProtoInstance* instance = nullptr;
     {
         InstantiationScope scope(source);
+        const NodeType* outer = Node::requestBlock(&type);
         instance = new ProtoInstance(type, nameSpace, name);
+        Node::requestBlock(outer);
         instance->setProc(new Proc(*instance, declaration.sourceURL(), declaration.sourceLine()));
         for (unsigned id = 0; id < type.partCount(); ++id)
             instance->makeField(id, true);
