@@ -210,7 +210,7 @@ void Node::destroyProc(NodeProc* proc)
 void Node::PartTable::init(std::uint32_t count, char* area, const NodeLayout* layout)
 {
     delete[] std::exchange(_data, nullptr);
-    _areaOffset = area ? static_cast<std::uint32_t>(area - reinterpret_cast<char*>(this)) : 0;
+    _areaOffset = area ? static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(area) - reinterpret_cast<std::uintptr_t>(this)) : 0;
     _layout = layout;
     _built = 0;
     _size = count;

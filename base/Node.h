@@ -335,7 +335,7 @@ private:
         // The block area after the node object and its layout; null for a node without block.
         char* area() const
         {
-            return _areaOffset ? reinterpret_cast<char*>(const_cast<PartTable*>(this)) + _areaOffset : nullptr;
+            return _areaOffset ? reinterpret_cast<char*>(reinterpret_cast<std::uintptr_t>(this) + _areaOffset) : nullptr;
         }
         // The descriptor the layout gives the place `part` is at; null outside the area.
         NodePartDesc* descAt(const void* part) const
@@ -377,13 +377,15 @@ private:
     std::unique_ptr<const std::string> _name;
     std::uint64_t                      _ID = 0;
     NodeState                          _state : 8 = Creation;
-    NodeCreator                        _creator : 8 = UnknownCreator;
     // The ID text is made on first use and kept beside the ID map: most nodes never print it.
     mutable bool                       _idTextKept = false;
+    NodeCreator                        _creator = UnknownCreator;
     std::uint32_t                      _flags = 0;
     std::uint32_t                      _debugFlags = 0;
     // How many of the namespace's exports name this node.
     std::uint32_t                      _exportCount = 0;
+    // The node's place in the ID map.
+    std::uint32_t                      _idSlot = 0;
     PartMask                           _logFeatureMask;
     PartMask                           _changedMask;
     PartMask                           _isChangingMask;
@@ -392,8 +394,6 @@ private:
     // The namespace's list of its nodes.
     Node*                              _nsPrev = nullptr;
     Node*                              _nsNext = nullptr;
-    // The node's place in the ID map.
-    std::uint32_t                      _idSlot = 0;
 };
 
 } // namespace Orvane
