@@ -82,7 +82,7 @@ const char* VRMLWriteAction::accessName(NodePartType partType) const
 void VRMLWriteAction::begin(std::ostream& stream, const std::string&)
 {
     setStream(stream);
-    forgetDeclaredPrototypes();
+    startDocument();
     if (good())
         writeHeader();
     setCurrentNameSpace(nullptr);

@@ -170,6 +170,7 @@ void WriteAction::reset()
     _routeBagStack.clear();
     _useTable.clear();
     _protoWritten.clear();
+    _importRoutesWritten.clear();
 }
 
 void WriteAction::copyDocumentState(const WriteAction& other)
@@ -647,6 +648,8 @@ void WriteAction::writeImportRoutes(NodeNameSpace& nameSpace)
         std::string slotName;
     };
     std::unordered_map<const Node*, BridgeEnd> bridges;
+    if (!nameSpace.importVec().empty() && !_importRoutesWritten.insert(&nameSpace).second)
+        return;
 
     for (const NodeNameSpace::Import& import : nameSpace.importVec()) {
         const std::string& localName = import.localName.empty() ? import.exportName : import.localName;

@@ -215,7 +215,12 @@ protected:
     // The prototypes of `nameSpace` to declare, in declaration order, without aliases; empty
     // with resolveProto or once the scope's declarations were written in this document.
     std::vector<NodeType*> prototypesToDeclare(NodeNameSpace& nameSpace);
-    void                   forgetDeclaredPrototypes() { _protoWritten.clear(); }
+    // A new document: no scope has its prototypes or its import routes written yet.
+    void                   startDocument()
+    {
+        _protoWritten.clear();
+        _importRoutesWritten.clear();
+    }
     // Pushes the IS map of a prototype body; a link to a node or field that the body lacks is
     // reported and left out.
     void pushIsLinks(ProtoDeclaration& declaration);
@@ -255,6 +260,9 @@ private:
     // The namespaces whose prototypes this document declared already: a scope is entered again
     // after each of its root nodes, but its prototypes are declared once.
     std::unordered_set<const NodeNameSpace*> _protoWritten;
+    // Scopes whose import routes this document has: a prototype body with several root nodes
+    // ends each of them with its scope's routes.
+    std::unordered_set<const NodeNameSpace*> _importRoutesWritten;
 };
 
 } // namespace Orvane

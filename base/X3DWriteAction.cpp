@@ -261,7 +261,7 @@ void X3DWriteAction::openDeclaration(const Field& field)
 void X3DWriteAction::begin(std::ostream& stream, const std::string&)
 {
     setStream(stream);
-    forgetDeclaredPrototypes();
+    startDocument();
     _elements.clear();
     _openFields.clear();
     setCurrentNameSpace(nullptr);

@@ -2,6 +2,8 @@
 
 #include "modules/loader/PlainList.h"
 
+#include "base/EventInSlot.h"
+#include "base/EventOutSlot.h"
 #include "base/Field.h"
 #include "base/FieldType.h"
 #include "base/Log.h"
@@ -671,12 +673,13 @@ bool SceneBuilder::isLink(Node& node, std::string_view field, std::string_view i
 void SceneBuilder::noteInline(Node& node, Place place, NodeNameSpace& parent, const std::string& file)
 {
     const NodeType& type = node.type();
-    if (inProtoBody() || type.name() != "Inline" || type.isProto() || isUnknown(type) || InlineProc::of(node))
+    if (type.name() != "Inline" || type.isProto() || isUnknown(type) || InlineProc::of(node))
         return;
     // The scene and its namespace are made now, so that IMPORT statements that follow find
     // them; the file is read when this one is done. The namespace hangs below `parent`, where
     // its exports are published; names are not looked up through it. An Inline whose file is
-    // not read keeps its empty scene, so that its IMPORTs are kept.
+    // not read keeps its empty scene, so that its IMPORTs are kept. The Inline of a prototype
+    // body is such a one: each instance's own copy loads the file.
     auto scene = std::make_unique<SceneBuilder>(std::string());
     if (!scene->_root)
         return;
@@ -686,7 +689,7 @@ void SceneBuilder::noteInline(Node& node, Place place, NodeNameSpace& parent, co
     scene->_root->nameSpace().setParent(&parent);
     node.setProc(new InlineProc(node, scene->_root));
     auto* load = dynamic_cast<SFBool*>(node.findField(std::string("load")));
-    if (_inlineLoading && (!load || load->value()))
+    if (_inlineLoading && !inProtoBody() && (!load || load->value()))
         _pendingInlines.push_back({SmartPtr<Node>(&node), std::move(scene), place, file});
     else
         _unreadScenes.push_back(scene->_root);
@@ -713,9 +716,66 @@ void SceneBuilder::noteInstanceInlines()
             body->fillNodeVec(bodyNodes);
             for (Node* bodyNode : bodyNodes)
                 noteInline(*bodyNode, {proc->sourceLine(), 1}, *body, proc->sourceURL());
+            copyBodyImports(instance->declaration().effective().body(), *body, {proc->sourceLine(), 1});
             open.push_back(body);
         }
     }
+}
+
+void SceneBuilder::copyBodyImports(NodeNameSpace& declared, NodeNameSpace& body, Place place)
+{
+    if (declared.importVec().empty())
+        return;
+    // The declared body's Inlines have empty scenes; the instance's copies of them, found by
+    // their names, have the scenes that the imports now come from.
+    std::vector<Node*> nodes;
+    declared.fillNodeVec(nodes);
+    auto hostName = [&](const NodeNameSpace* scene) -> const std::string* {
+        for (Node* node : nodes)
+            if (InlineProc* proc = InlineProc::of(*node); proc && proc->ownNameSpace() == scene && node->hasName())
+                return &node->name();
+        return nullptr;
+    };
+    for (const NodeNameSpace::Import& import : declared.importVec()) {
+        const std::string* host = hostName(import.from);
+        Node*              copy = host ? body.findNode(*host) : nullptr;
+        InlineProc*        proc = copy ? InlineProc::of(*copy) : nullptr;
+        if (proc && proc->ownNameSpace())
+            body.importNode(*proc->ownNameSpace(), import.exportName, import.localName);
+    }
+    // The routes through the imports, between the local names and the body's named nodes; they
+    // wait for the instance's Inlines like those of a scene.
+    struct Through {
+        std::string from, fromField, to, toField;
+    };
+    std::vector<Through> routes;
+    for (const NodeNameSpace::Import& import : declared.importVec()) {
+        const std::string& local = import.localName.empty() ? import.exportName : import.localName;
+        Node*              standIn = declared.getImportedNode(local);
+        for (unsigned id = 0, count = standIn ? standIn->partCount() : 0; id < count; ++id) {
+            Field* field = standIn->findField(id);
+            for (bool leaving : {true, false}) {
+                EventSlot* slot = !field ? nullptr
+                                  : leaving ? static_cast<EventSlot*>(field->getOutSlot(false))
+                                            : static_cast<EventSlot*>(field->getInSlot(false));
+                if (!slot || !slot->findName())
+                    continue;
+                for (Route* route : slot->routeBag()) {
+                    EventSlot& other = leaving ? static_cast<EventSlot&>(route->inSlot())
+                                               : static_cast<EventSlot&>(route->outSlot());
+                    if (&other == slot || !other.findName() || &other.node().nameSpace() != &declared ||
+                        !other.node().hasName())
+                        continue;
+                    if (leaving)
+                        routes.push_back({local, slot->findName(), other.node().name(), other.findName()});
+                    else
+                        routes.push_back({other.node().name(), other.findName(), local, slot->findName()});
+                }
+            }
+        }
+    }
+    for (const Through& r : routes)
+        routeIn(body, r.from, r.fromField, r.to, r.toField, place);
 }
 
 bool SceneBuilder::awaitsInline(const NodeNameSpace& ns, const std::string& name) const

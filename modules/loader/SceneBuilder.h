@@ -167,6 +167,9 @@ private:
     void           fault(const std::string& file, Place place, std::string message);
     void           noteInline(Node& node, Place place, NodeNameSpace& parent, const std::string& file);
     void           noteInstanceInlines();
+    // The IMPORTs of a prototype's declared body, and the routes through them, made again in an
+    // instance's `body` from the instance's own Inlines.
+    void           copyBodyImports(NodeNameSpace& declared, NodeNameSpace& body, Place place);
     // The root of the scene of an Inline whose file was not read, whose namespace is `inner`.
     Node* unreadScene(const NodeNameSpace* inner) const;
     // The import `name` of `ns` when it imports from an Inline whose file was not read.

@@ -4,10 +4,12 @@
 #include "base/NodeNameSpace.h"
 #include "base/ProtoInstance.h"
 #include "base/X3DClassicWriteAction.h"
+#include "base/X3DWriteAction.h"
 #include "modules/loader/InlineProc.h"
 #include "modules/loader/SceneLoader.h"
 #include "tests/loader/SceneSupport.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/X3DDocuments.h"
 
 #include <gtest/gtest.h>
 
@@ -144,30 +146,67 @@ TEST(Inline, PrototypeInstancesLoadTheirBodiesInlines)
     LoadedScene scene = SceneLoader::load(data("inline-proto.x3dv"));
     ASSERT_TRUE(scene.readable());
     EXPECT_EQ(faults(scene), (std::vector<Fault>{{5, 1, "Inline loads no file: 'no-such-file.x3dv' does not exist"}}));
-    auto bodyInline = [&](const char* instance) -> InlineProc* {
+    auto body = [&](const char* instance) {
         ProtoInstance* lamp = ProtoInstance::cast(named(scene, instance));
-        std::vector<Node*> nodes;
-        if (lamp && lamp->bodyNameSpace())
-            lamp->bodyNameSpace()->fillNodeVec(nodes);
-        for (Node* node : nodes)
-            if (InlineProc* proc = InlineProc::of(*node))
-                return proc;
-        return nullptr;
+        return lamp ? lamp->bodyNameSpace() : nullptr;
     };
-    InlineProc* near = bodyInline("Near");
-    InlineProc* far = bodyInline("Far");
+    NodeNameSpace* nearBody = body("Near");
+    NodeNameSpace* farBody = body("Far");
+    ASSERT_TRUE(nearBody && farBody);
+    InlineProc* near = InlineProc::of(*nearBody->findNode("Bulb"));
+    InlineProc* far = InlineProc::of(*farBody->findNode("Bulb"));
     ASSERT_TRUE(near && far);
     EXPECT_EQ(near->file(), data("inline-child.x3dv"));
-    EXPECT_NE(near->ownNameSpace()->findNode("Mover"), nullptr);
     EXPECT_EQ(far->file(), "");
-    // Written back, the body keeps its Inline, never what the Inline loaded.
-    X3DClassicWriteAction writer;
-    std::ostringstream    out;
-    ASSERT_TRUE(SceneLoader::write(*scene.root, writer, out));
-    EXPECT_NE(out.str().find("    children [\n      Inline {\n        url IS where\n      }\n    ]\n  }\n}\n"),
-              std::string::npos)
-        << out.str();
-    EXPECT_EQ(out.str().find("Mover"), std::string::npos) << out.str();
+
+    // Each instance imports from its own Inline, and the body's route runs from there.
+    Node* mover = near->ownNameSpace()->findNode("Mover");
+    ASSERT_NE(mover, nullptr);
+    EXPECT_EQ(nearBody->getImportedNode("BulbTarget"), mover);
+    scene.root->setTreeState(0.0, Live);
+    send(*mover, "translation", 1.0, "1 2 3");
+    EXPECT_EQ(text(*nearBody->findNode("Shade"), "translation"), "1 2 3");
+    EXPECT_EQ(text(*farBody->findNode("Shade"), "translation"), "0 0 0");
+
+    // Written back, the body keeps its Inline, IMPORT and ROUTE (once), never what the Inline
+    // loaded; read again it is written the same.
+    auto write = [](const LoadedScene& loaded) {
+        X3DClassicWriteAction writer;
+        std::ostringstream    out;
+        EXPECT_TRUE(SceneLoader::write(*loaded.root, writer, out));
+        return out.str();
+    };
+    const std::string first = write(scene);
+    EXPECT_NE(first.find("      DEF Bulb Inline {\n        url IS where\n      }\n"), std::string::npos) << first;
+    for (const char* line : {"IMPORT Bulb.Target AS BulbTarget\n",
+                             "ROUTE BulbTarget.translation_changed TO Shade.translation\n"}) {
+        const std::size_t at = first.find(line);
+        EXPECT_NE(at, std::string::npos) << line << first;
+        EXPECT_EQ(first.find(line, at + 1), std::string::npos) << line << first;
+    }
+    EXPECT_EQ(first.find("Mover"), std::string::npos) << first;
+    LoadedScene again = SceneLoader::loadData(first, data("inline-proto.x3dv"));
+    EXPECT_EQ(faults(again).size(), 1u);
+    EXPECT_EQ(write(again), first);
+
+    // As XML the same, and the instances read from it import from their Inlines again.
+    X3DWriteAction     xmlWriter;
+    std::ostringstream xml;
+    ASSERT_TRUE(SceneLoader::write(*scene.root, xmlWriter, xml));
+    Documents::the().keep(xml.str());
+    for (const char* element : {"<IMPORT inlineDEF='Bulb' importedDEF='Target' AS='BulbTarget'/>",
+                                "<ROUTE fromNode='BulbTarget' fromField='translation_changed' toNode='Shade'"}) {
+        const std::size_t at = xml.str().find(element);
+        EXPECT_NE(at, std::string::npos) << element << xml.str();
+        EXPECT_EQ(xml.str().find(element, at + 1), std::string::npos) << element << xml.str();
+    }
+    LoadedScene fromXml = SceneLoader::loadData(xml.str(), data("inline-proto.x3d"));
+    EXPECT_EQ(faults(fromXml).size(), 1u);
+    ProtoInstance* lamp = ProtoInstance::cast(named(fromXml, "Near"));
+    ASSERT_TRUE(lamp && lamp->bodyNameSpace());
+    Node* bulb = lamp->bodyNameSpace()->findNode("Bulb");
+    ASSERT_TRUE(bulb && InlineProc::of(*bulb));
+    EXPECT_EQ(lamp->bodyNameSpace()->getImportedNode("BulbTarget"), InlineProc::of(*bulb)->ownNameSpace()->findNode("Mover"));
 }
 
 TEST(Inline, NestingBeyondTheLimitIsRefused)
