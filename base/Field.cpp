@@ -52,6 +52,7 @@ Field::Events& Field::events()
     if (!e) {
         e = new Events;
         setExtension(e);
+        owner()._fieldsWithEvents = true;
     }
     return *e;
 }

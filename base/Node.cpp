@@ -351,7 +351,7 @@ Subject& Node::deleteObjectSubject()
 // --- construction ---
 
 Node::Node(NodeType& type, NodeNameSpace& nameSpace, const char* name)
-    : _type(&type), _nameSpace(&nameSpace), _logFeatureMask(type.logFeatureMask())
+    : _type(&type), _nameSpace(&nameSpace), _hasLogFeature(type.logFeatureMask().any())
 {
     // Take up the block that operator new laid out, when it is this node's and laid out for
     // this node's type with its current layout.
@@ -391,9 +391,10 @@ Node::~Node()
     }
     const unsigned typeParts = _type->partCount();
     // Routes go first, while every field is whole: their removal tells both processors.
-    for (unsigned i = 0; i < _parts.size(); ++i)
-        if (Field* field = findField(i))
-            field->disconnectAll();
+    if (_fieldsWithEvents)
+        for (unsigned i = 0; i < _parts.size(); ++i)
+            if (Field* field = findField(i))
+                field->disconnectAll();
     for (std::size_t i = 0; i < _parts.size(); ++i) {
         NodePart* part = _parts[i];
         if (!part)
@@ -930,12 +931,12 @@ bool Node::fieldChanged(Field& field, const double& time, Field* source)
 
 MFString* Node::logFeature() const
 {
-    return _logFeatureMask.any() ? static_cast<MFString*>(findField(0u)) : nullptr;
+    return _hasLogFeature ? static_cast<MFString*>(findField(0u)) : nullptr;
 }
 
 SFNode* Node::metadata() const
 {
-    return _logFeatureMask.any() ? static_cast<SFNode*>(findField(1u)) : nullptr;
+    return _hasLogFeature ? static_cast<SFNode*>(findField(1u)) : nullptr;
 }
 
 void Node::updateLogFeature()

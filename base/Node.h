@@ -159,7 +159,8 @@ public:
     void          markChanged(PartMask mask)
     {
         _changedMask |= mask;
-        if (mask.test(_logFeatureMask))
+        // The logFeature field is part 0 of every type that has it.
+        if (_hasLogFeature && mask.test(PartMask::bit(0)))
             updateLogFeature();
     }
     void          clearChangedMask();
@@ -296,6 +297,7 @@ protected:
 
 private:
     friend class NodeLink;
+    friend class Field;
     friend class NodePart;
     friend class NodeNameSpace;
     friend class NodeType;
@@ -379,6 +381,9 @@ private:
     NodeState                          _state : 8 = Creation;
     // The ID text is made on first use and kept beside the ID map: most nodes never print it.
     mutable bool                       _idTextKept = false;
+    bool                               _hasLogFeature;
+    // Set once a field of the node has event slots or listeners: only then can it have routes.
+    bool                               _fieldsWithEvents = false;
     NodeCreator                        _creator = UnknownCreator;
     std::uint32_t                      _flags = 0;
     std::uint32_t                      _debugFlags = 0;
@@ -386,7 +391,6 @@ private:
     std::uint32_t                      _exportCount = 0;
     // The node's place in the ID map.
     std::uint32_t                      _idSlot = 0;
-    PartMask                           _logFeatureMask;
     PartMask                           _changedMask;
     PartMask                           _isChangingMask;
     PartTable                          _parts;
