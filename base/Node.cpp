@@ -786,6 +786,26 @@ void Node::makeDeclaredFields()
     const unsigned count = _type->partCount();
     // The defaults as read once for all the type's nodes.
     const void* const* defaults = _parts.area() ? _parts.layout()->defaultValues(*this) : nullptr;
+    // A node fresh in a block of its type's current layout: each field straight into its place,
+    // where the layout names its descriptor already.
+    if (_parts.area() && _parts.layout() == _type->_layout && _parts.fresh()) {
+        const NodeLayout& layout = *_parts.layout();
+        char*             area = _parts.area();
+        std::uint64_t     built = 0;
+        for (unsigned id = 0; id < count; ++id) {
+            const FieldType* type = layout.fieldTypes[id];
+            if (!type)
+                continue;
+            Field* field = type->placeMethod()(area + layout.fieldOffsets[id], *this);
+            built |= std::uint64_t(1) << id;
+            if (defaults[id])
+                type->defaultValueMethods().apply(*field, defaults[id]);
+            else if (!layout.defaultTexts[id].empty())
+                field->setDefaultValue(0.0);
+        }
+        _parts.setAllBuilt(built);
+        return;
+    }
     for (unsigned id = 0; id < count; ++id) {
         NodePartDesc* desc = _type->part(id);
         if (!desc || !desc->holdsField() || _parts[id])

@@ -331,6 +331,10 @@ private:
         bool        empty() const { return _size == 0; }
         NodePart*   operator[](std::size_t i) const { return _data ? _data[i] : placed(i); }
         void        set(std::size_t i, NodePart* part);
+        // No part built yet, and every declared field has its place in the block.
+        bool fresh() const { return !_data && !_built && _layout && _layout->placesAll; }
+        // The parts of the bits in `built` now stand in their places.
+        void setAllBuilt(std::uint64_t built) { _built = built; }
         NodePart*   back() const { return (*this)[_size - 1]; }
         void        pop_back() { --_size; }
         void        push_back(NodePart* part);
