@@ -784,14 +784,14 @@ Field* Node::makeField(unsigned id, bool setDefault)
 void Node::makeDeclaredFields()
 {
     const unsigned count = _type->partCount();
-    // The defaults as read once for all the type's nodes.
-    const void* const* defaults = _parts.area() ? _parts.layout()->defaultValues(*this) : nullptr;
     // A node fresh in a block of its type's current layout: each field straight into its place,
-    // where the layout names its descriptor already.
+    // where the layout names its descriptor already, with the defaults read once for all the
+    // type's nodes.
     if (_parts.area() && _parts.layout() == _type->_layout && _parts.fresh()) {
-        const NodeLayout& layout = *_parts.layout();
-        char*             area = _parts.area();
-        std::uint64_t     built = 0;
+        const NodeLayout&  layout = *_parts.layout();
+        const void* const* defaults = layout.defaultValues(*this);
+        char*              area = _parts.area();
+        std::uint64_t      built = 0;
         for (unsigned id = 0; id < count; ++id) {
             const FieldType* type = layout.fieldTypes[id];
             if (!type)
@@ -806,26 +806,11 @@ void Node::makeDeclaredFields()
         _parts.setAllBuilt(built);
         return;
     }
+    // Any other node: the fields it lacks, one by one.
     for (unsigned id = 0; id < count; ++id) {
-        NodePartDesc* desc = _type->part(id);
-        if (!desc || !desc->holdsField() || _parts[id])
-            continue;
-        // The common case straight: the field has its place in the block.
-        const FieldType* placed = placedType(id, *desc);
-        if (!placed) {
+        const NodePartDesc* desc = _type->part(id);
+        if (desc && desc->holdsField() && !_parts[id])
             makeField(id, true);
-            continue;
-        }
-        const std::uint32_t offset = _parts.layout()->fieldOffsets[id];
-        Field* field = placed->placeMethod()(_parts.area() + offset, *this);
-        // The layout names the descriptor of the place, unless the type changed it since.
-        if (_parts.layout()->slotDescs[offset / 8] != desc)
-            field->setDesc(desc);
-        _parts.set(id, field);
-        if (defaults[id])
-            placed->defaultValueMethods().apply(*field, defaults[id]);
-        else if (!desc->defaultValue().empty())
-            field->setDefaultValue(0.0);
     }
 }
 
