@@ -19,6 +19,9 @@
 #if __has_include(<sys/mman.h>)
 #include <sys/mman.h>
 #define ORVANE_POOL_MMAP 1
+#ifndef ORVANE_POOL_BYPASS
+#define ORVANE_POOL_REGIONS 1
+#endif
 #endif
 
 namespace Orvane {
@@ -38,11 +41,15 @@ struct FreeBlock {
 };
 
 struct SizeClass;
+struct Region;
 
 struct Chunk {
     SizeClass*    sizeClass = nullptr; // null for a chunk of one large block
     std::size_t   mapped = 0;
-    std::size_t   blockBytes = 0; // of the large block
+    union {
+        std::size_t blockBytes = 0; // of the large block
+        Region*     region;         // a class chunk's region, where chunks come from regions
+    };
     Chunk*        prev = nullptr; // in its class's list of chunks with room
     Chunk*        next = nullptr;
     FreeBlock*    free = nullptr;
@@ -99,13 +106,146 @@ Pool& pool()
     return p;
 }
 
+#ifdef ORVANE_POOL_REGIONS
+
+// Class chunks are cut from regions of eight, aligned to their size, which the kernel may back
+// with one huge page: a region then costs one fault and one page-table entry where its chunks
+// would cost 512 of each. On a virtual machine every first touch of a small page also costs the
+// host a fault, several microseconds each, so for a scene built in fresh memory this is most of
+// what its nodes cost beyond their construction. A chunk given back while its region still
+// serves others returns its pages alone; an empty region is unmapped whole.
+constexpr std::size_t   RegionSize = 8 * ChunkSize;
+constexpr std::uint32_t AllSlots = (1u << (RegionSize / ChunkSize)) - 1;
+
+struct Region {
+    char*         base = nullptr;
+    std::uint32_t used = 0; // a bit per chunk slot
+    Region*       prev = nullptr; // in the list of regions with a free slot
+    Region*       next = nullptr;
+};
+
+struct Regions {
+    std::mutex lock;
+    Region*    withFree = nullptr;
+};
+
+Regions& regions()
+{
+    static Regions& r = *new Regions;
+    return r;
+}
+
+// `bytes` of fresh address space aligned to `alignment`; null when the system has none.
+void* mapAligned(std::size_t bytes, std::size_t alignment)
+{
+    const std::size_t span = bytes + alignment;
+    void*             mapped = mmap(nullptr, span, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped == MAP_FAILED)
+        return nullptr;
+    const auto start = reinterpret_cast<std::uintptr_t>(mapped);
+    const auto aligned = (start + alignment - 1) & ~(std::uintptr_t(alignment) - 1);
+    if (aligned > start)
+        munmap(mapped, aligned - start);
+    if (const std::size_t tail = start + span - (aligned + bytes))
+        munmap(reinterpret_cast<void*>(aligned + bytes), tail);
+    return reinterpret_cast<void*>(aligned);
+}
+
+// Blocks are cut from a chunk's start on: fault its pages in with one call rather than one trap
+// each. Kernels without it say no, and the pages come as they are touched.
+void populate(void* memory, std::size_t bytes)
+{
+#ifdef MADV_POPULATE_WRITE
+    madvise(memory, bytes, MADV_POPULATE_WRITE);
+#else
+    (void)memory;
+    (void)bytes;
+#endif
+}
+
+void listRegion(Regions& rs, Region* region)
+{
+    region->prev = nullptr;
+    region->next = rs.withFree;
+    if (rs.withFree)
+        rs.withFree->prev = region;
+    rs.withFree = region;
+}
+
+void unlistRegion(Regions& rs, Region* region)
+{
+    if (region->prev)
+        region->prev->next = region->next;
+    else
+        rs.withFree = region->next;
+    if (region->next)
+        region->next->prev = region->prev;
+    region->prev = region->next = nullptr;
+}
+
+// A free chunk slot's memory, faulted in, and its region; null when the system has none.
+void* takeSlot(Region*& owner)
+{
+    Regions&                    rs = regions();
+    std::lock_guard<std::mutex> lock(rs.lock);
+    Region*                     region = rs.withFree;
+    if (!region) {
+        void* memory = mapAligned(RegionSize, RegionSize);
+        if (!memory)
+            return nullptr;
+        region = new (std::nothrow) Region;
+        if (!region) {
+            munmap(memory, RegionSize);
+            return nullptr;
+        }
+#ifdef MADV_HUGEPAGE
+        madvise(memory, RegionSize, MADV_HUGEPAGE);
+#endif
+        region->base = static_cast<char*>(memory);
+        listRegion(rs, region);
+    }
+    const unsigned slot = static_cast<unsigned>(__builtin_ctz(~region->used));
+    region->used |= 1u << slot;
+    if (region->used == AllSlots)
+        unlistRegion(rs, region);
+    owner = region;
+    char* memory = region->base + slot * ChunkSize;
+    populate(memory, ChunkSize);
+    return memory;
+}
+
+void giveSlot(Region* region, void* memory)
+{
+    Regions&                    rs = regions();
+    std::lock_guard<std::mutex> lock(rs.lock);
+    const bool                  wasFull = region->used == AllSlots;
+    region->used &= ~(1u << ((static_cast<char*>(memory) - region->base) / ChunkSize));
+    if (!region->used) {
+        if (!wasFull)
+            unlistRegion(rs, region);
+        munmap(region->base, RegionSize);
+        delete region;
+        return;
+    }
+    madvise(memory, ChunkSize, MADV_DONTNEED);
+    if (wasFull)
+        listRegion(rs, region);
+}
+
+#endif
+
 void unmapChunk(Chunk* chunk)
 {
     const std::size_t bytes = chunk->mapped;
+#ifdef ORVANE_POOL_REGIONS
+    Region* region = chunk->sizeClass ? chunk->region : nullptr;
     chunk->~Chunk();
-#ifdef ORVANE_POOL_MMAP
-    munmap(chunk, bytes);
+    if (region)
+        giveSlot(region, chunk);
+    else
+        munmap(chunk, bytes);
 #else
+    chunk->~Chunk();
     std::free(chunk);
 #endif
     pool().bytesMapped.fetch_sub(bytes, std::memory_order_relaxed);
@@ -130,28 +270,19 @@ Chunk* chunkOf(const void* block)
     return reinterpret_cast<Chunk*>(reinterpret_cast<std::uintptr_t>(block) & ~(std::uintptr_t(ChunkSize) - 1));
 }
 
-// `bytes` of fresh memory aligned to ChunkSize, with a chunk header at its start; null when the
-// system has none.
-Chunk* mapChunk(std::size_t bytes)
+// A chunk of `bytes` fresh memory aligned to ChunkSize, its header made; a class chunk
+// (`bytes` == ChunkSize) is cut from a region. Null when the system has no memory left.
+Chunk* mapChunk(std::size_t bytes, bool forClass)
 {
-#ifdef ORVANE_POOL_MMAP
-    const std::size_t span = bytes + ChunkSize;
-    void*             mapped = mmap(nullptr, span, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapped == MAP_FAILED)
+#ifdef ORVANE_POOL_REGIONS
+    Region* region = nullptr;
+    void*   memory = forClass ? takeSlot(region) : mapAligned(bytes, ChunkSize);
+    if (!memory)
         return nullptr;
-    const auto start = reinterpret_cast<std::uintptr_t>(mapped);
-    const auto aligned = (start + ChunkSize - 1) & ~(std::uintptr_t(ChunkSize) - 1);
-    if (aligned > start)
-        munmap(mapped, aligned - start);
-    if (const std::size_t tail = start + span - (aligned + bytes))
-        munmap(reinterpret_cast<void*>(aligned + bytes), tail);
-    void* memory = reinterpret_cast<void*>(aligned);
-#ifdef MADV_POPULATE_WRITE
-    // The chunk is cut into blocks from its start on: fault its pages in with one call rather
-    // than one trap each. Kernels without it say no, and the pages come as they are touched.
-    madvise(memory, bytes, MADV_POPULATE_WRITE);
-#endif
+    if (!forClass)
+        populate(memory, bytes);
 #else
+    (void)forClass;
     void* memory = std::aligned_alloc(ChunkSize, bytes);
     if (!memory)
         return nullptr;
@@ -159,6 +290,10 @@ Chunk* mapChunk(std::size_t bytes)
     Chunk* chunk = new (memory) Chunk;
     chunk->mapped = bytes;
     chunk->unused = static_cast<char*>(memory) + HeaderSize;
+#ifdef ORVANE_POOL_REGIONS
+    if (forClass)
+        chunk->region = region;
+#endif
     pool().bytesMapped.fetch_add(bytes, std::memory_order_relaxed);
     return chunk;
 }
@@ -182,7 +317,7 @@ void listWithRoom(SizeClass& cls, Chunk* chunk)
 void* allocateLarge(std::size_t size)
 {
     const std::size_t bytes = (HeaderSize + size + ChunkSize - 1) & ~(ChunkSize - 1);
-    Chunk*            chunk = mapChunk(bytes);
+    Chunk*            chunk = mapChunk(bytes, false);
     if (!chunk)
         throw std::bad_alloc();
     chunk->blockBytes = size;
@@ -199,7 +334,7 @@ void* takeBlock(SizeClass& cls)
     std::lock_guard<ClassLock> lock(cls.lock);
     Chunk*                      chunk = cls.withRoom;
     if (!chunk) {
-        chunk = mapChunk(ChunkSize);
+        chunk = mapChunk(ChunkSize, true);
         if (!chunk)
             throw std::bad_alloc();
         chunk->sizeClass = &cls;

@@ -11,7 +11,9 @@ namespace Orvane {
 // freed block goes back to its chunk for the next node of that size, so a scene that is built,
 // released and built again reuses its memory instead of giving it back to the system and
 // faulting it in anew. Chunks left empty are kept up to retainLimit() bytes in all; the rest
-// go back to the system at once, and trim() gives back every empty chunk.
+// go back to the system at once, and trim() gives back every empty chunk. Chunks are cut from
+// larger regions that the kernel may back with huge pages, so that a scene built in fresh memory
+// pays one fault per region rather than one per small page.
 //
 // Thread safe: each size class has a lock of its own. In builds with the address sanitizer the
 // pool hands every block to the global operator new, so that the sanitizer sees each one.

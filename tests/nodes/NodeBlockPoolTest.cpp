@@ -95,6 +95,36 @@ TEST_F(NodeBlockPoolTest, ReleasedMemoryIsReusedKeptUpToTheLimitAndTrimmed)
     EXPECT_EQ(NodeBlockPool::bytesMapped(), mappedBefore);
 }
 
+// Chunks of several sizes share the memory they are cut from: a chunk given back while its
+// neighbours still hold blocks leaves their bytes alone, and its memory serves again.
+TEST_F(NodeBlockPoolTest, ChunksGivenBackLeaveTheirNeighboursIntact)
+{
+    NodeBlockPool::setRetainLimit(0);
+    NodeBlockPool::trim();
+    const std::size_t  size = 4000;
+    std::vector<void*> blocks(1200); // about twenty chunks
+    unsigned char*     kept = nullptr;
+    for (int round = 0; round < 2; ++round) {
+        for (std::size_t i = 0; i < blocks.size(); ++i) {
+            blocks[i] = NodeBlockPool::allocate(size);
+            std::memset(blocks[i], int(i & 0xff), size);
+        }
+        if (!kept) {
+            // Its chunk comes right after the others, beside them.
+            kept = static_cast<unsigned char*>(NodeBlockPool::allocate(2992));
+            std::memset(kept, 0x5a, 2992);
+        }
+        for (std::size_t i = 0; i < blocks.size(); ++i)
+            ASSERT_EQ(static_cast<unsigned char*>(blocks[i])[size - 1], i & 0xff) << "round " << round;
+        for (void* block : blocks)
+            NodeBlockPool::release(block);
+        NodeBlockPool::trim();
+    }
+    for (std::size_t b = 0; b < 2992; ++b)
+        ASSERT_EQ(kept[b], 0x5a) << b;
+    NodeBlockPool::release(kept);
+}
+
 // Blocks made on one thread and released on another, by several threads at once.
 TEST_F(NodeBlockPoolTest, ThreadsShareThePool)
 {
