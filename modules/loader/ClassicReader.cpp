@@ -380,9 +380,13 @@ SmartPtr<Node> ClassicReader::nodeBody(Token typeToken, std::string_view defName
         }
         return {};
     }
+    // The message names the type: build it only when the brace is missing.
     Token open;
-    if (!expect(OpenBrace, ("'{' after node type " + quote(typeToken.text)).c_str(), open))
+    if (peek().kind != OpenBrace) {
+        expect(OpenBrace, ("'{' after node type " + quote(typeToken.text)).c_str(), open);
         return {};
+    }
+    open = next();
     SmartPtr<Node> node = _builder.createNode(typeToken.text, defName, typeToken.place);
     if (!node) {
         skipBlock(OpenBrace, CloseBrace);
