@@ -162,7 +162,9 @@ void* Node::operator new(std::size_t size)
     const NodeType* type = std::exchange(h.requested, nullptr);
     if (!type || !type->_layout || !type->_layout->areaSize)
         return NodeBlockPool::allocate(size);
-    const std::size_t objectSize = (size + blockAlign - 1) & ~(blockAlign - 1);
+    // Blocks are aligned to blockAlign, which is at least the area's alignment.
+    const std::size_t areaAlign = type->_layout->areaAlign;
+    const std::size_t objectSize = (size + areaAlign - 1) & ~(areaAlign - 1);
     const std::size_t blockSize = objectSize + type->_layout->areaSize;
     void* block = NodeBlockPool::allocate(blockSize);
     // The constructors write the whole block: ask for its lines at once rather than one miss

@@ -36,6 +36,9 @@ public:
     std::vector<NodePartDesc*>    slotDescs;
     std::uint32_t                 procOffset = NoPlace;
     std::uint32_t                 areaSize = 0;
+    // What the area's start must be aligned to: the most any part placed in it asks for. The
+    // area follows the node object at the next such boundary, not at the allocator's.
+    std::uint32_t                 areaAlign = alignof(void*);
     // Every part that holds a field has its place, and there are at most 64 parts: a node
     // finds its declared fields from the offsets and keeps no part table.
     bool placesAll = false;

@@ -562,8 +562,8 @@ int NodeType::initType(bool force)
 
 void NodeType::computeLayout()
 {
-    // The area after the node object starts at the allocator's alignment; nothing in it may
-    // ask for more.
+    // The area after the node object starts at the most any of its parts asks for; the block
+    // itself has the allocator's alignment, so nothing in it may ask for more.
     constexpr std::uint32_t maxAlign = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
     auto alignUp = [](std::uint32_t at, std::uint32_t align) { return (at + align - 1) & ~(align - 1); };
     auto layout = std::make_unique<NodeLayout>();
@@ -584,15 +584,17 @@ void NodeType::computeLayout()
             continue;
         }
         at = alignUp(at, fieldType->placeAlign());
+        layout->areaAlign = std::max<std::uint32_t>(layout->areaAlign, fieldType->placeAlign());
         layout->fieldOffsets[i] = at;
         at += fieldType->placeSize();
     }
     if (_procFactory == &Node::createProc) {
         at = alignUp(at, alignof(NodeProc));
+        layout->areaAlign = std::max<std::uint32_t>(layout->areaAlign, alignof(NodeProc));
         layout->procOffset = at;
         at += sizeof(NodeProc);
     }
-    layout->areaSize = alignUp(at, maxAlign);
+    layout->areaSize = alignUp(at, layout->areaAlign);
     layout->slotDescs.assign(layout->areaSize / 8, nullptr);
     for (std::size_t i = 0; i < _descVec.size(); ++i)
         if (layout->fieldOffsets[i] != NodeLayout::NoPlace)
