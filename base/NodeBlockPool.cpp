@@ -40,6 +40,30 @@ struct FreeBlock {
     FreeBlock* next;
 };
 
+// Chunks with room and regions with a free slot are kept in intrusive lists: an entry is put
+// first or taken out wherever it stands, with no memory of its own.
+template <class T>
+void pushFront(T*& head, T* item)
+{
+    item->prev = nullptr;
+    item->next = head;
+    if (head)
+        head->prev = item;
+    head = item;
+}
+
+template <class T>
+void takeOut(T*& head, T* item)
+{
+    if (item->prev)
+        item->prev->next = item->next;
+    else
+        head = item->next;
+    if (item->next)
+        item->next->prev = item->prev;
+    item->prev = item->next = nullptr;
+}
+
 struct SizeClass;
 struct Region;
 
@@ -163,26 +187,6 @@ void populate(void* memory, std::size_t bytes)
 #endif
 }
 
-void listRegion(Regions& rs, Region* region)
-{
-    region->prev = nullptr;
-    region->next = rs.withFree;
-    if (rs.withFree)
-        rs.withFree->prev = region;
-    rs.withFree = region;
-}
-
-void unlistRegion(Regions& rs, Region* region)
-{
-    if (region->prev)
-        region->prev->next = region->next;
-    else
-        rs.withFree = region->next;
-    if (region->next)
-        region->next->prev = region->prev;
-    region->prev = region->next = nullptr;
-}
-
 // A free chunk slot's memory, faulted in, and its region; null when the system has none.
 void* takeSlot(Region*& owner)
 {
@@ -202,12 +206,12 @@ void* takeSlot(Region*& owner)
         madvise(memory, RegionSize, MADV_HUGEPAGE);
 #endif
         region->base = static_cast<char*>(memory);
-        listRegion(rs, region);
+        pushFront(rs.withFree, region);
     }
     const unsigned slot = static_cast<unsigned>(__builtin_ctz(~region->used));
     region->used |= 1u << slot;
     if (region->used == AllSlots)
-        unlistRegion(rs, region);
+        takeOut(rs.withFree, region);
     owner = region;
     char* memory = region->base + slot * ChunkSize;
     populate(memory, ChunkSize);
@@ -222,14 +226,14 @@ void giveSlot(Region* region, void* memory)
     region->used &= ~(1u << ((static_cast<char*>(memory) - region->base) / ChunkSize));
     if (!region->used) {
         if (!wasFull)
-            unlistRegion(rs, region);
+            takeOut(rs.withFree, region);
         munmap(region->base, RegionSize);
         delete region;
         return;
     }
     madvise(memory, ChunkSize, MADV_DONTNEED);
     if (wasFull)
-        listRegion(rs, region);
+        pushFront(rs.withFree, region);
 }
 
 #endif
@@ -253,13 +257,7 @@ void unmapChunk(Chunk* chunk)
 
 void unlistWithRoom(SizeClass& cls, Chunk* chunk)
 {
-    if (chunk->prev)
-        chunk->prev->next = chunk->next;
-    else
-        cls.withRoom = chunk->next;
-    if (chunk->next)
-        chunk->next->prev = chunk->prev;
-    chunk->prev = chunk->next = nullptr;
+    takeOut(cls.withRoom, chunk);
     chunk->hasRoomListed = false;
 }
 
@@ -306,11 +304,7 @@ bool hasRoom(const Chunk& chunk)
 
 void listWithRoom(SizeClass& cls, Chunk* chunk)
 {
-    chunk->prev = nullptr;
-    chunk->next = cls.withRoom;
-    if (cls.withRoom)
-        cls.withRoom->prev = chunk;
-    cls.withRoom = chunk;
+    pushFront(cls.withRoom, chunk);
     chunk->hasRoomListed = true;
 }
 
