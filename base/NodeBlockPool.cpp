@@ -187,7 +187,7 @@ void populate(void* memory, std::size_t bytes)
 #endif
 }
 
-// A free chunk slot's memory, faulted in, and its region; null when the system has none.
+// A free chunk slot's memory and its region; null when the system has none.
 void* takeSlot(Region*& owner)
 {
     Regions&                    rs = regions();
@@ -213,9 +213,7 @@ void* takeSlot(Region*& owner)
     if (region->used == AllSlots)
         takeOut(rs.withFree, region);
     owner = region;
-    char* memory = region->base + slot * ChunkSize;
-    populate(memory, ChunkSize);
-    return memory;
+    return region->base + slot * ChunkSize;
 }
 
 void giveSlot(Region* region, void* memory)
@@ -277,8 +275,7 @@ Chunk* mapChunk(std::size_t bytes, bool forClass)
     void*   memory = forClass ? takeSlot(region) : mapAligned(bytes, ChunkSize);
     if (!memory)
         return nullptr;
-    if (!forClass)
-        populate(memory, bytes);
+    populate(memory, bytes);
 #else
     (void)forClass;
     void* memory = std::aligned_alloc(ChunkSize, bytes);
