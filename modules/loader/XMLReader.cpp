@@ -1,5 +1,7 @@
 #include "modules/loader/XMLReader.h"
 
+#include "modules/loader/XMLOutline.h"
+
 #include "base/Field.h"
 #include "base/FieldType.h"
 #include "base/NodeType.h"
@@ -56,7 +58,10 @@ std::string_view text(const pugi::xml_attribute& a)
 
 class Walker {
 public:
-    Walker(SceneBuilder& builder, std::string& buffer) : _builder(builder), _buffer(buffer) {}
+    Walker(SceneBuilder& builder, std::string& buffer)
+        : _builder(builder), _buffer(buffer), _pieces(buffer, XMLReader::PieceBytes)
+    {
+    }
     bool read();
 
 private:
@@ -112,9 +117,21 @@ private:
     void  source(Frame& frame);
     void  route(const pugi::xml_node& e);
     void  externProto(const pugi::xml_node& e);
+    // Parses the document, or, when it has an outline, the document without its Scene's content.
+    pugi::xml_parse_result parse(pugi::xml_document& doc);
+    // Parses the next piece of the Scene's content into `_piece`; false when none is left.
+    bool  nextPiece();
 
     SceneBuilder&              _builder;
     std::string&               _buffer;
+    // Read in pieces: the document without its Scene's content, where that content lay in the
+    // buffer, the ends of its pieces and the next one, and the Scene element's name, by which
+    // the element is known in the walk.
+    std::string                _outline;
+    XMLOutline                 _pieces;
+    std::size_t                _nextPiece = 0;
+    const char*                _sceneName = nullptr;
+    pugi::xml_document         _piece;
     std::vector<std::uint32_t> _newlines;  // offsets of the line feeds, taken before parsing
     std::size_t                _line = 0;  // the line of the last place, as an index into _newlines
     std::string                _scratch;
@@ -122,10 +139,17 @@ private:
 
 Place Walker::place(const char* at)
 {
-    const char* begin = _buffer.data();
-    if (at < begin || at > begin + _buffer.size())
+    const char*   begin = _buffer.data();
+    std::uint32_t offset = 0;
+    if (!_outline.empty() && at >= _outline.data() && at <= _outline.data() + _outline.size()) {
+        offset = static_cast<std::uint32_t>(at - _outline.data());
+        if (offset >= _pieces.contentBegin)
+            offset += static_cast<std::uint32_t>(_pieces.contentEnd - _pieces.contentBegin);
+    } else if (at >= begin && at <= begin + _buffer.size()) {
+        offset = static_cast<std::uint32_t>(at - begin);
+    } else {
         return {0, 0};
-    const auto offset = static_cast<std::uint32_t>(at - begin);
+    }
     // The walk goes forward through the document: the line is looked for from the last one.
     std::size_t line = _line;
     if (line > 0 && offset <= _newlines[line - 1])
@@ -167,14 +191,11 @@ bool Walker::read()
          (p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)))); ++p)
         _newlines.push_back(static_cast<std::uint32_t>(p - _buffer.data()));
 
-    pugi::xml_document doc;
-    // No comments or processing instructions kept; the DOCTYPE only to see what it declares.
-    const unsigned options = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute |
-                             pugi::parse_eol | pugi::parse_doctype;
-    pugi::xml_parse_result parsed = doc.load_buffer_inplace(_buffer.data(), _buffer.size(), options,
-                                                            pugi::encoding_utf8);
+    pugi::xml_document     doc;
+    pugi::xml_parse_result parsed = parse(doc);
     if (!parsed)  // what was parsed before the fault is read all the same
-        _builder.error(place(_buffer.data() + parsed.offset), std::string("malformed XML: ") + parsed.description());
+        _builder.error(place(parsed.offset + (_outline.empty() ? _buffer.data() : _outline.data())),
+                       std::string("malformed XML: ") + parsed.description());
     for (pugi::xml_node n = doc.first_child(); n; n = n.next_sibling())
         if (n.type() == pugi::node_doctype && std::strstr(n.value(), "<!ENTITY"))
             _builder.error(place(n.value()), "the DOCTYPE declares entities; they are not expanded");
@@ -197,6 +218,10 @@ bool Walker::read()
     // children left are taken out, so that no removal recurses.
     while (!stack.empty()) {
         Frame& top = stack.back();
+        if (!top.child && top.kind == Kind::Scene && top.element.name() == _sceneName && nextPiece()) {
+            top.child = _piece.first_child();
+            continue;
+        }
         if (!top.child) {
             pugi::xml_node done = top.element;
             close(top, stack.size() > 1 ? &stack[stack.size() - 2] : nullptr);
@@ -225,6 +250,35 @@ bool Walker::read()
             top.element.remove_child(e);
         }
     }
+    return true;
+}
+
+// No comments or processing instructions kept; the DOCTYPE only to see what it declares.
+constexpr unsigned parseOptions = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute |
+                                  pugi::parse_eol | pugi::parse_doctype;
+
+pugi::xml_parse_result Walker::parse(pugi::xml_document& doc)
+{
+    if (!_pieces.found)
+        return doc.load_buffer_inplace(_buffer.data(), _buffer.size(), parseOptions, pugi::encoding_utf8);
+    _outline.reserve(_buffer.size() - (_pieces.contentEnd - _pieces.contentBegin));
+    _outline.assign(_buffer, 0, _pieces.contentBegin);
+    _outline.append(_buffer, _pieces.contentEnd);
+    _sceneName = _outline.data() + _pieces.sceneName;
+    return doc.load_buffer_inplace(_outline.data(), _outline.size(), parseOptions, pugi::encoding_utf8);
+}
+
+bool Walker::nextPiece()
+{
+    if (_nextPiece >= _pieces.cuts.size())
+        return false;
+    const std::size_t begin = _nextPiece ? _pieces.cuts[_nextPiece - 1] : _pieces.contentBegin;
+    const std::size_t end = _pieces.cuts[_nextPiece++];
+    // Parsing anew gives the last piece's memory back to the parser for this one.
+    pugi::xml_parse_result parsed = _piece.load_buffer_inplace(_buffer.data() + begin, end - begin,
+                                                               parseOptions | pugi::parse_fragment, pugi::encoding_utf8);
+    if (!parsed)
+        _builder.error(place(_buffer.data() + begin + parsed.offset), std::string("malformed XML: ") + parsed.description());
     return true;
 }
 

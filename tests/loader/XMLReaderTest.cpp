@@ -164,6 +164,50 @@ TEST(XMLReader, TheReaderIsChosenByContent)
         EXPECT_EQ(SceneLoader::isXml(content), xml) << content;
 }
 
+// A Scene larger than a few pieces, with what could mislead a cut: markup characters in values,
+// comments, CDATA and a processing instruction between and inside nodes, a route across pieces,
+// faults in late pieces and an element after the Scene.
+std::string manyPieces(const char* doctype, const char* first = "")
+{
+    std::string document = std::string("<?xml version='1.0'?>") + doctype + "\n<X3D version='4.0'><Scene>\n" + first;
+    int         group = 0;
+    while (document.size() < 5 * XMLReader::PieceBytes) {
+        const std::string n = std::to_string(group++);
+        document += "<Transform DEF='T" + n + "' translation='" + n + " 0 0'><!-- </Transform> -->\n"
+                    "  <WorldInfo title='a > b /> c' info='\"x<y\"'/><Shape><Box size='1 2 3'/></Shape>"
+                    "<?pi </Scene> ?></Transform>\n"
+                    "<Script DEF='S" + n + "'><![CDATA[ x = '</Scene>'; ]]></Script>\n";
+    }
+    document += "<Box nosuch='1'/>\n<Transform DEF='Last'/>\n"
+                "<ROUTE fromNode='T0' fromField='translation_changed' toNode='Last' toField='set_translation'/>\n"
+                "</Scene>\n<Bogus/></X3D>\n";
+    return document;
+}
+
+TEST(XMLReader, ALargeSceneReadInPiecesIsTheSceneReadWhole)
+{
+    LogCapture log;
+    // An internal DOCTYPE subset makes the reader parse the document whole.
+    LoadedScene pieces = SceneLoader::loadData(manyPieces(""), "pieces.x3d");
+    LoadedScene whole = SceneLoader::loadData(manyPieces("<!DOCTYPE X3D [ ]>"), "whole.x3d");
+    ASSERT_TRUE(pieces.readable());
+    ASSERT_TRUE(whole.readable());
+    // (Compared as a whole: a difference in these large scenes is not worth printing.)
+    EXPECT_TRUE(write(*pieces.root) == write(*whole.root));
+    EXPECT_TRUE(shape(*pieces.root) == shape(*whole.root));
+    EXPECT_EQ(faults(pieces), faults(whole));
+    ASSERT_EQ(faults(pieces).size(), 2u);
+    EXPECT_EQ(std::get<2>(faults(pieces)[0]), "unknown field 'nosuch' in Box");
+    EXPECT_EQ(std::get<2>(faults(pieces)[1]), "unexpected element 'Bogus' in X3D");
+    EXPECT_EQ(std::get<0>(faults(pieces)[1]), std::get<0>(faults(pieces)[0]) + 4);
+
+    // A malformed element is reported at its place, and the pieces after its own load.
+    LoadedScene faulty = SceneLoader::loadData(manyPieces("", "<Group bad=oops/>"), "faulty.x3d");
+    ASSERT_FALSE(faulty.errors.empty());
+    EXPECT_EQ(faults(faulty).front(), Fault(3, 12, "malformed XML: Error parsing element attribute"));
+    EXPECT_NE(named(faulty, "Last"), nullptr);
+}
+
 // --- hostile documents: nothing is expanded, fetched or recursed into beyond the limit ---
 
 double secondsFor(const std::string& document, LoadedScene& scene)
