@@ -211,7 +211,9 @@ void Node::destroyProc(NodeProc* proc)
 
 void Node::PartTable::init(std::uint32_t count, char* area, const NodeLayout* layout)
 {
-    delete[] std::exchange(_data, nullptr);
+    if (_inTable)
+        delete[] _data;
+    _inTable = 0;
     _areaOffset = area ? static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(area) - reinterpret_cast<std::uintptr_t>(this)) : 0;
     _layout = layout;
     _built = 0;
@@ -222,7 +224,7 @@ void Node::PartTable::init(std::uint32_t count, char* area, const NodeLayout* la
 
 void Node::PartTable::set(std::size_t i, NodePart* part)
 {
-    if (!_data) {
+    if (!_inTable) {
         const std::uint64_t bit = std::uint64_t(1) << i;
         if (!part) {
             _built &= ~bit;
@@ -241,7 +243,7 @@ void Node::PartTable::set(std::size_t i, NodePart* part)
 void Node::PartTable::push_back(NodePart* part)
 {
     // Dynamic fields are few; the room doubles anyway so that a long run of them stays linear.
-    if (!_data || _size == roomFor(_size))
+    if (!_inTable || _size == roomFor(_size))
         toTable(_size + 1);
     _data[_size++] = part;
 }
@@ -251,8 +253,10 @@ void Node::PartTable::toTable(std::uint32_t size)
     auto* data = new NodePart*[roomFor(size > _size ? size : _size)];
     for (std::uint32_t i = 0; i < _size; ++i)
         data[i] = (*this)[i];
-    delete[] _data;
+    if (_inTable)
+        delete[] _data;
     _data = data;
+    _inTable = 1;
 }
 
 void Node::ParentList::push_back(NodeLink* link)

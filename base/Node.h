@@ -102,7 +102,7 @@ public:
     std::uint64_t      ID() const { return _ID; }
     bool               rename(const std::string& newName);
     // Published by its namespace (EXPORT): its events go to the importing namespaces too.
-    bool               isExported() const { return _exportCount != 0; }
+    bool               isExported() const { return _exported; }
     bool               fillAbsolutAddress(std::string& out) const;
     bool               hasAbsolutAddress() const;
 
@@ -180,7 +180,7 @@ public:
     MFString* logFeature() const;
     SFNode*   metadata() const;
     std::uint32_t debugFlags() const { return _debugFlags; }
-    void          setDebugFlags(std::uint32_t flags) { _debugFlags = flags; }
+    void          setDebugFlags(std::uint32_t flags) { _debugFlags = flags & 0xfffu; }
     bool          checkLogFeature(LogFeature feature) const { return (_debugFlags >> feature) & 1u; }
 
     // Parents.
@@ -323,18 +323,26 @@ private:
         PartTable() = default;
         PartTable(const PartTable&) = delete;
         PartTable& operator=(const PartTable&) = delete;
-        ~PartTable() { delete[] _data; }
+        ~PartTable()
+        {
+            if (_inTable)
+                delete[] _data;
+        }
 
         // `count` empty slots: in a table, or, for a layout that places them all, found in `area`.
         void init(std::uint32_t count, char* area, const NodeLayout* layout);
         std::size_t size() const { return _size; }
         bool        empty() const { return _size == 0; }
-        NodePart*   operator[](std::size_t i) const { return _data ? _data[i] : placed(i); }
+        NodePart*   operator[](std::size_t i) const { return _inTable ? _data[i] : placed(i); }
         void        set(std::size_t i, NodePart* part);
         // No part built yet, and every declared field has its place in the block.
-        bool fresh() const { return !_data && !_built && _layout && _layout->placesAll; }
+        bool fresh() const { return !_inTable && !_built && _layout && _layout->placesAll; }
         // The parts of the bits in `built` now stand in their places.
-        void setAllBuilt(std::uint64_t built) { _built = built; }
+        void setAllBuilt(std::uint64_t built)
+        {
+            if (!_inTable)
+                _built = built;
+        }
         NodePart*   back() const { return (*this)[_size - 1]; }
         void        pop_back() { --_size; }
         void        push_back(NodePart* part);
@@ -369,12 +377,16 @@ private:
         // Moves the parts into a table with room for `size` entries.
         void toTable(std::uint32_t size);
 
-        NodePart**        _data = nullptr;
+        // The table on the heap once there is one; before, the parts built in their places.
+        union {
+            NodePart**    _data;
+            std::uint64_t _built = 0;
+        };
         const NodeLayout* _layout = nullptr;
-        std::uint64_t     _built = 0;
         std::uint32_t     _size = 0;
         // Where the block area lies, counted from this table inside the node; 0 without area.
-        std::uint32_t     _areaOffset = 0;
+        std::uint32_t     _areaOffset : 31 = 0;
+        std::uint32_t     _inTable : 1 = 0;
     };
 
     NodeType*                          _type;
@@ -385,14 +397,15 @@ private:
     NodeState                          _state : 8 = Creation;
     // The ID text is made on first use and kept beside the ID map: most nodes never print it.
     mutable bool                       _idTextKept = false;
-    bool                               _hasLogFeature;
+    // The logFeature values as bits by LogFeature.
+    std::uint16_t                      _debugFlags : 12 = 0;
+    std::uint16_t                      _hasLogFeature : 1;
     // Set once a field of the node has event slots or listeners: only then can it have routes.
-    bool                               _fieldsWithEvents = false;
+    std::uint16_t                      _fieldsWithEvents : 1 = 0;
+    // Set while one of the namespace's exports names this node.
+    std::uint16_t                      _exported : 1 = 0;
     NodeCreator                        _creator = UnknownCreator;
     std::uint32_t                      _flags = 0;
-    std::uint32_t                      _debugFlags = 0;
-    // How many of the namespace's exports name this node.
-    std::uint32_t                      _exportCount = 0;
     // The node's place in the ID map.
     std::uint32_t                      _idSlot = 0;
     PartMask                           _changedMask;

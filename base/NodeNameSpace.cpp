@@ -13,6 +13,7 @@
 #include "base/Subject.h"
 
 #include <algorithm>
+#include <utility>
 #include <atomic>
 
 namespace Orvane {
@@ -79,7 +80,7 @@ NodeNameSpace::~NodeNameSpace()
 
     // Publishing: importers keep their records, which now report the missing exporter.
     for (Export& entry : _exports)
-        --entry.node->_exportCount;
+        entry.node->_exported = false;
     _exports.clear();
     for (NodeNameSpace* importer : std::vector<NodeNameSpace*>(_importers)) {
         importer->forgetImportsFrom(*this);
@@ -609,14 +610,14 @@ bool NodeNameSpace::exportNode(Node& node, const std::string& exportName)
         if (entry.name != name)
             continue;
         if (entry.node != &node) {
-            --entry.node->_exportCount;
-            entry.node = &node;
-            ++node._exportCount;
+            Node* former = std::exchange(entry.node, &node);
+            node._exported = true;
+            updateExported(*former);
         }
         return true;
     }
     _exports.push_back(Export{&node, name});
-    ++node._exportCount;
+    node._exported = true;
     return true;
 }
 
@@ -632,8 +633,9 @@ bool NodeNameSpace::removeExportedNode(const std::string& exportName)
 {
     for (auto it = _exports.begin(); it != _exports.end(); ++it) {
         if (it->name == exportName) {
-            --it->node->_exportCount;
+            Node* node = it->node;
             _exports.erase(it);
+            updateExported(*node);
             return true;
         }
     }
@@ -642,11 +644,16 @@ bool NodeNameSpace::removeExportedNode(const std::string& exportName)
 
 void NodeNameSpace::dropExports(Node& node)
 {
-    if (!node._exportCount)
+    if (!node._exported)
         return;
     _exports.erase(std::remove_if(_exports.begin(), _exports.end(), [&](const Export& e) { return e.node == &node; }),
                    _exports.end());
-    node._exportCount = 0;
+    node._exported = false;
+}
+
+void NodeNameSpace::updateExported(Node& node) const
+{
+    node._exported = std::any_of(_exports.begin(), _exports.end(), [&](const Export& e) { return e.node == &node; });
 }
 
 // --- IMPORT ---

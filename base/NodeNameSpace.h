@@ -177,6 +177,8 @@ private:
     void linkNode(Node& node);
     void unlinkNode(Node& node);
     void dropExports(Node& node);
+    // Sets the node's exported bit from whether an export still names it.
+    void updateExported(Node& node) const;
     // Name look-up without the messages of findNode; `imported` tells whether an import
     // answered.
     Node* lookupName(const std::string& key, bool& imported) const;

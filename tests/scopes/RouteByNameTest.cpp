@@ -288,6 +288,13 @@ TEST_F(RouteByNameTest, ExportsFollowTheirNodes)
     ASSERT_TRUE(inline_->exportNode("Hidden", "Two"));
     EXPECT_TRUE(inline_->removeExportedNode("One"));
     EXPECT_TRUE(hidden->isExported());
+    // An export name handed to another node takes the export from the first.
+    SmartPtr<Node> other = make(*inline_, "Other");
+    ASSERT_TRUE(inline_->exportNode("Other", "Two"));
+    EXPECT_FALSE(hidden->isExported());
+    EXPECT_TRUE(other->isExported());
+    ASSERT_TRUE(inline_->exportNode("Hidden", "Two"));
+    EXPECT_FALSE(other->isExported());
     // A node that moves or dies takes its exports along.
     EXPECT_TRUE(hidden->transfer(0.0, ns));
     EXPECT_FALSE(hidden->isExported());
