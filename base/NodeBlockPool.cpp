@@ -140,6 +140,8 @@ Pool& pool()
 // serves others returns its pages alone; an empty region is unmapped whole.
 constexpr std::size_t   RegionSize = 8 * ChunkSize;
 constexpr std::uint32_t AllSlots = (1u << (RegionSize / ChunkSize)) - 1;
+// A region's record lives in a small page of its own mapping, after the region.
+constexpr std::size_t   RecordPage = 4096;
 
 struct Region {
     char*         base = nullptr;
@@ -194,14 +196,10 @@ void* takeSlot(Region*& owner)
     std::lock_guard<std::mutex> lock(rs.lock);
     Region*                     region = rs.withFree;
     if (!region) {
-        void* memory = mapAligned(RegionSize, RegionSize);
+        void* memory = mapAligned(RegionSize + RecordPage, RegionSize);
         if (!memory)
             return nullptr;
-        region = new (std::nothrow) Region;
-        if (!region) {
-            munmap(memory, RegionSize);
-            return nullptr;
-        }
+        region = ::new (static_cast<char*>(memory) + RegionSize) Region;
 #ifdef MADV_HUGEPAGE
         madvise(memory, RegionSize, MADV_HUGEPAGE);
 #endif
@@ -225,8 +223,7 @@ void giveSlot(Region* region, void* memory)
     if (!region->used) {
         if (!wasFull)
             takeOut(rs.withFree, region);
-        munmap(region->base, RegionSize);
-        delete region;
+        munmap(region->base, RegionSize + RecordPage);  // the record with it
         return;
     }
     madvise(memory, ChunkSize, MADV_DONTNEED);
