@@ -34,7 +34,7 @@ Field* counterpart(Node& source, unsigned id, Node& copy)
 {
     if (id < source.type().partCount())
         return copy.findField(id);
-    Field* from = source.findField(id);
+    Field* from = source.builtField(id);
     return from ? copy.findField(from->findName() ? from->findName() : "", SearchFieldName) : nullptr;
 }
 
@@ -87,7 +87,8 @@ void CopyAction::copyValues(Node& source, Node& copy)
 {
     const unsigned typeParts = source.type().partCount();
     for (unsigned id = 0; id < source.partCount(); ++id) {
-        Field* from = source.findField(id);
+        // A field the source has not made yet holds its default, as the copy's does.
+        Field* from = source.builtField(id);
         if (!from)
             continue;
         Field* to;
@@ -113,7 +114,7 @@ void CopyAction::addRoutes(Node& source)
 {
     const unsigned end = skipExtField() ? source.type().partCount() : source.partCount();
     for (unsigned id = 0; id < end; ++id) {
-        Field* field = source.findField(id);
+        Field* field = source.builtField(id);
         if (!field)
             continue;
         auto collect = [this](const EventSlot* slot) {
@@ -210,7 +211,7 @@ void CopyAction::pushChildren(Node& source, Node& copy)
         NodePartDesc* desc = id < typeParts ? source.type().part(id) : nullptr;
         if (desc && !desc->isNodeField())
             continue;
-        Field* from = source.findField(id);
+        Field* from = source.builtField(id);
         if (!from || !isNodeField(*from))
             continue;
         Field* to = counterpart(source, id, copy);

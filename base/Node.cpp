@@ -85,7 +85,7 @@ void forEachNodeField(const Node& node, Fn fn)
         NodePartDesc* desc = i < type.partCount() ? type.part(i) : nullptr;
         if (desc && !desc->isNodeField())
             continue;
-        Field* field = node.findField(i);
+        Field* field = node.builtField(i);
         if (!field)
             continue;
         if (field->dataType() == SFNodeType)
@@ -399,7 +399,7 @@ Node::~Node()
     // Routes go first, while every field is whole: their removal tells both processors.
     if (_fieldsWithEvents)
         for (unsigned i = 0; i < _parts.size(); ++i)
-            if (Field* field = findField(i))
+            if (Field* field = builtField(i))
                 field->disconnectAll();
     for (std::size_t i = 0; i < _parts.size(); ++i) {
         NodePart* part = _parts[i];
@@ -638,9 +638,19 @@ bool Node::updateTreeState(const double& time, NodeState state)
 
 // --- parts ---
 
-Field* Node::findField(unsigned id) const
+Field* Node::builtField(unsigned id) const
 {
     return id < _parts.size() ? static_cast<Field*>(_parts[id]) : nullptr;
+}
+
+Field* Node::findField(unsigned id) const
+{
+    if (id >= _parts.size())
+        return nullptr;
+    if (NodePart* part = _parts[id])
+        return static_cast<Field*>(part);
+    // Made on first use: to the caller the node has had the field all along, at its default.
+    return madeOnDemand(id) ? const_cast<Node*>(this)->makeField(id, true) : nullptr;
 }
 
 Field* Node::findField(const std::string& name, FieldSearchOrder order) const
@@ -650,8 +660,8 @@ Field* Node::findField(const std::string& name, FieldSearchOrder order) const
         NodePartDesc* desc = kind == ByField    ? _type->findFieldPart(name)
                              : kind == ByInSlot ? _type->findInSlotPart(name)
                                                 : _type->findOutSlotPart(name);
-        if (desc && desc->ID() < _parts.size() && _parts[desc->ID()])
-            return static_cast<Field*>(_parts[desc->ID()]);
+        if (Field* field = desc ? findField(desc->ID()) : nullptr)
+            return field;
         for (std::size_t i = _type->partCount(); i < _parts.size(); ++i) {
             NodePart* part = _parts[i];
             if (!part || !part->desc())
@@ -676,9 +686,10 @@ Field* Node::findField(const std::string& name, FieldSearchOrder order) const
 
 Field* Node::findField(NodePartValueRestriction restriction) const
 {
-    for (std::size_t i = 0; i < _parts.size(); ++i)
-        if (NodePart* part = _parts[i]; part && part->desc() && part->desc()->valueRestriction() == restriction)
-            return static_cast<Field*>(part);
+    for (unsigned i = 0; i < _parts.size(); ++i)
+        if (NodePartDesc* desc = findPartDesc(i); desc && desc->valueRestriction() == restriction)
+            if (Field* field = findField(i))
+                return field;
     return nullptr;
 }
 
@@ -770,7 +781,7 @@ const FieldType* Node::placedType(unsigned id, const NodePartDesc& desc) const
 
 Field* Node::makeField(unsigned id, bool setDefault)
 {
-    if (Field* existing = findField(id))
+    if (Field* existing = builtField(id))
         return existing;
     NodePartDesc* desc = _type->part(id);
     if (!desc)
@@ -800,7 +811,7 @@ void Node::makeDeclaredFields()
         std::uint64_t      built = 0;
         for (unsigned id = 0; id < count; ++id) {
             const FieldType* type = layout.fieldTypes[id];
-            if (!type)
+            if (!type || layout.madeOnDemand(id))
                 continue;
             Field* field = type->placeMethod()(area + layout.fieldOffsets[id], *this);
             built |= std::uint64_t(1) << id;
@@ -815,7 +826,7 @@ void Node::makeDeclaredFields()
     // Any other node: the fields it lacks, one by one.
     for (unsigned id = 0; id < count; ++id) {
         const NodePartDesc* desc = _type->part(id);
-        if (desc && desc->holdsField() && !_parts[id])
+        if (desc && desc->holdsField() && !_parts[id] && !madeOnDemand(id))
             makeField(id, true);
     }
 }
@@ -891,7 +902,10 @@ bool Node::equalFieldValues(const Node& other) const
         auto* mine = static_cast<Field*>(_parts[i]);
         auto* theirs = static_cast<Field*>(other._parts[i]);
         if (!mine || !theirs) {
-            if (mine != theirs)
+            // A field not made yet holds its default.
+            const auto id = static_cast<unsigned>(i);
+            const bool onDemand = madeOnDemand(id) && other.madeOnDemand(id);
+            if (mine != theirs && !(onDemand && (mine ? mine : theirs)->valueIsDefault()))
                 return false;
             continue;
         }
@@ -1206,8 +1220,8 @@ Node* Node::clone(NodeNameSpace* nameSpace, const char* name) const
     }
     for (std::size_t i = 0; i < _parts.size() && i < copy->_parts.size(); ++i) {
         auto* from = static_cast<Field*>(_parts[i]);
-        auto* to = static_cast<Field*>(copy->_parts[i]);
-        if (from && to)
+        Field* to = from ? copy->findField(static_cast<unsigned>(i)) : nullptr;
+        if (to)
             to->setValueByField(0.0, *from);
     }
     for (std::size_t i = copy->_parts.size(); i < _parts.size(); ++i) {
@@ -1270,7 +1284,7 @@ void Node::dumpField(PartMask mask) const
 {
     ORV_PLOG("%s/%s/%s: FieldDump: \n", _nameSpace->name().c_str(), _type->name().c_str(), getIDStr().c_str());
     for (std::size_t i = 0; i < _parts.size(); ++i) {
-        auto* field = static_cast<Field*>(_parts[i]);
+        Field* field = findField(static_cast<unsigned>(i));
         if (!field) {
             ORV_PLOG("  %zu: INVALID PART\n", i);
             continue;

@@ -125,9 +125,14 @@ public:
     // Sets the state without hooks or checks; for code that drives fields directly.
     void               setStateUnchecked(NodeState state) { _state = state; }
 
-    // Parts, indexed by descriptor ID; dynamic fields follow the type's parts.
+    // Parts, indexed by descriptor ID; dynamic fields follow the type's parts. The two fields
+    // every node inherits (logFeature, metadata) are made on first use: findField makes them,
+    // part and builtField give null until then, which stands for their default value.
     unsigned      partCount() const { return static_cast<unsigned>(_parts.size()); }
     NodePart*     part(unsigned id) const { return id < _parts.size() ? _parts[id] : nullptr; }
+    Field*        builtField(unsigned id) const;
+    // True for a part whose field the node makes on first use, made yet or not.
+    bool          madeOnDemand(unsigned id) const { return _parts.layout() && _parts.layout()->madeOnDemand(id); }
     Field*        findField(unsigned id) const;
     Field*        findField(const std::string& name, FieldSearchOrder order = SearchFieldThenSlots) const;
     Field*        findField(NodePartValueRestriction restriction) const;

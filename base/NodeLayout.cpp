@@ -19,8 +19,7 @@ bool NodeLayout::sameAs(const NodeLayout& other) const
 {
     return fieldOffsets == other.fieldOffsets && fieldTypes == other.fieldTypes &&
            defaultTexts == other.defaultTexts && slotDescs == other.slotDescs && procOffset == other.procOffset && areaSize == other.areaSize &&
-           areaAlign == other.areaAlign &&
-           placesAll == other.placesAll;
+           areaAlign == other.areaAlign && onDemand == other.onDemand && placesAll == other.placesAll;
 }
 
 const void* const* NodeLayout::defaultValues(Node& owner) const

@@ -39,9 +39,14 @@ public:
     // What the area's start must be aligned to: the most any part placed in it asks for. The
     // area follows the node object at the next such boundary, not at the allocator's.
     std::uint32_t                 areaAlign = alignof(void*);
-    // Every part that holds a field has its place, and there are at most 64 parts: a node
-    // finds its declared fields from the offsets and keeps no part table.
+    // The parts whose fields a node makes only on first use, on the heap: the two every node
+    // inherits, which few nodes ever set.
+    std::uint64_t                 onDemand = 0;
+    // Every part that holds a field has its place or is made on demand, and there are at most
+    // 64 parts: a node finds its declared fields from the offsets and keeps no part table.
     bool placesAll = false;
+
+    bool madeOnDemand(std::size_t id) const { return id < 64 && ((onDemand >> id) & 1u); }
 
     bool sameAs(const NodeLayout& other) const;
 

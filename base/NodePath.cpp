@@ -93,7 +93,9 @@ NodeLink* NodePath::nodeLink() const
 bool NodePath::findStep(const Node& parent, const Node* child, Step& step)
 {
     for (unsigned id = 0; id < parent.partCount(); ++id) {
-        Field* field = parent.findField(id);
+        Field* field = parent.builtField(id);
+        if (!field && parent.madeOnDemand(id))
+            continue;  // not made, so empty
         if (!field)
             return false;
         if (field->dataType() == MFNodeType) {

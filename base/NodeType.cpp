@@ -579,6 +579,10 @@ void NodeType::computeLayout()
         if (!fieldType)
             continue;
         layout->defaultTexts[i] = desc->defaultValue();
+        if (i < 64 && desc->ownerType() == &Node::classType()) {
+            layout->onDemand |= std::uint64_t(1) << i;
+            continue;
+        }
         if (!fieldType->placeSize() || !fieldType->placeMethod() || fieldType->placeAlign() > maxAlign) {
             layout->placesAll = false;
             continue;

@@ -185,7 +185,7 @@ int VRMLWriteAction::endNode(Node& node)
     if (!isMapStack().empty() && !isMapStack().back().empty()) {
         const IsMap& map = isMapStack().back();
         for (unsigned id = 0, count = node.partCount(); id < count; ++id) {
-            Field* field = node.findField(id);
+            Field* field = node.builtField(id);
             auto   it = field ? map.find(field) : map.end();
             if (it == map.end())
                 continue;

@@ -582,7 +582,7 @@ void WriteAction::writeNodeFields(Node& node)
     }
     unsigned count = node.partCount();
     for (unsigned id = 0; id < count; ++id) {
-        Field* field = node.findField(id);
+        Field* field = node.builtField(id);
         EventOutSlot* out = field ? field->getOutSlot(false) : nullptr;
         if (!out)
             continue;
@@ -598,7 +598,10 @@ void WriteAction::writeFieldPass(Node& node, FieldPass pass)
 {
     unsigned count = node.partCount();
     for (unsigned id = 0; id < count; ++id) {
-        Field* field = node.findField(id);
+        // A field the node has not made yet holds its default: written only when defaults are.
+        Field* field = node.builtField(id);
+        if (!field && writeDefaultValue())
+            field = node.findField(id);
         if (!field || !field->desc())
             continue;
         const NodePartDesc& desc = *field->desc();
@@ -659,7 +662,7 @@ void WriteAction::writeImportRoutes(NodeNameSpace& nameSpace)
         unsigned count = imported->partCount();
         for (bool leaving : {true, false}) {
             for (unsigned id = 0; id < count; ++id) {
-                Field* field = imported->findField(id);
+                Field* field = imported->builtField(id);
                 if (!field)
                     continue;
                 EventSlot* slot = leaving ? static_cast<EventSlot*>(field->getOutSlot(false))

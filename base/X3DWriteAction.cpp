@@ -222,7 +222,7 @@ void X3DWriteAction::writeLinks(Element& element)
     const IsMap& map = isMapStack().back();
     bool         any = false;
     for (unsigned id = 0, count = element.node->partCount(); id < count; ++id) {
-        Field* field = element.node->findField(id);
+        Field* field = element.node->builtField(id);
         auto   it = field ? map.find(field) : map.end();
         if (it == map.end())
             continue;
@@ -445,7 +445,8 @@ void X3DWriteAction::writeField(Field& field, FieldStyle style)
         return;
     }
     // The run-time log switch of every node is the system's own, no X3D field.
-    if (_elements.empty() || &field == field.owner().logFeature())
+    const Node& owner = field.owner();
+    if (_elements.empty() || (&field == owner.builtField(0u) && owner.type().logFeatureMask().any()))
         return;
     Element& element = _elements.back();
     if (element.instance) {

@@ -753,7 +753,7 @@ void SceneBuilder::copyBodyImports(NodeNameSpace& declared, NodeNameSpace& body,
         const std::string& local = import.localName.empty() ? import.exportName : import.localName;
         Node*              standIn = declared.getImportedNode(local);
         for (unsigned id = 0, count = standIn ? standIn->partCount() : 0; id < count; ++id) {
-            Field* field = standIn->findField(id);
+            Field* field = standIn->builtField(id);
             for (bool leaving : {true, false}) {
                 EventSlot* slot = !field ? nullptr
                                   : leaving ? static_cast<EventSlot*>(field->getOutSlot(false))

@@ -1,5 +1,7 @@
 // Nodes: names and IDs, field and slot lookup, dynamic fields, children and parents.
 #include "base/MFNode.h"
+#include "base/MFString.h"
+#include "base/VRMLWriteAction.h"
 #include "base/Observer.h"
 #include "base/SFFloat.h"
 #include "base/SFNode.h"
@@ -8,6 +10,8 @@
 #include "tests/support/TypeScope.h"
 
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 using namespace Orvane;
 using namespace Orvane::Test;
@@ -285,4 +289,41 @@ TEST_F(NodeTest, ChildSubjectsAndDump)
     EXPECT_EQ(log.count("NodeDump: Thing, C, Setup, test\n", LOG_LOG), 1) << log.all();
     EXPECT_EQ(log.count("test/Thing/C: FieldDump: \n", LOG_LOG), 1);
     EXPECT_EQ(log.count("Check NodeLinkList (Parent links): 1\n", LOG_LOG), 1);
+}
+
+// logFeature and metadata, which few nodes ever set, are made when first asked for; until then
+// the node acts as if it held them at their defaults, and reading or writing it makes nothing.
+TEST_F(NodeTest, InheritedFieldsAreMadeOnFirstUse)
+{
+    SmartPtr<Node> plain = scope.make("Holder", "Plain"), logged = scope.make("Holder", "Logged");
+    SmartPtr<Node> fresh = scope.make("Holder"), child = scope.make("Thing", "C");
+    plain->addChild(child.get());
+    const auto unmade = [](const Node& node) { return !node.builtField(0) && !node.builtField(1); };
+    ASSERT_TRUE(unmade(*plain));
+    EXPECT_TRUE(plain->madeOnDemand(1) && !plain->madeOnDemand(2));
+
+    VRMLWriteAction    writer;
+    std::ostringstream out;
+    ASSERT_TRUE(writer.writeStream(*plain, out));
+    SmartPtr<Node> plainCopy(plain->clone());
+    std::vector<Node*> children;
+    plain->collectAllChildren(children, false);
+    EXPECT_EQ(children, std::vector<Node*>{child.get()});
+    EXPECT_TRUE(unmade(*plain) && unmade(*plainCopy));
+    EXPECT_TRUE(plainCopy->equalFieldValues(*plain));
+
+    // Asked for, a field is there at its default, and a node that made it still equals one
+    // that did not.
+    Field* feature = logged->findField(std::string("logFeature"));
+    ASSERT_NE(feature, nullptr);
+    EXPECT_EQ(logged->findField(0u), feature);
+    EXPECT_TRUE(feature->valueIsDefault());
+    EXPECT_TRUE(logged->equalFieldValues(*fresh) && fresh->equalFieldValues(*logged));
+    feature->setValueByStr(0.0, "\"child\"");
+    EXPECT_TRUE(logged->checkLogFeature(LogChild));
+    EXPECT_FALSE(logged->equalFieldValues(*fresh) || fresh->equalFieldValues(*logged));
+    SmartPtr<Node> loggedCopy(logged->clone());
+    EXPECT_EQ(loggedCopy->findField(0u)->strValue(), "\"child\"");
+    EXPECT_NE(logged->findField(1u), nullptr);
+    EXPECT_TRUE(unmade(*plain) && unmade(*fresh));
 }
