@@ -93,7 +93,8 @@ void CopyAction::copyValues(Node& source, Node& copy)
             continue;
         Field* to;
         if (id < typeParts) {
-            if (isNodeField(*from))
+            // Nor does one made at its default need making in the copy.
+            if (isNodeField(*from) || (source.madeOnDemand(id) && from->valueIsDefault()))
                 continue;
             to = copy.findField(id);
         } else {
@@ -212,7 +213,7 @@ void CopyAction::pushChildren(Node& source, Node& copy)
         if (desc && !desc->isNodeField())
             continue;
         Field* from = source.builtField(id);
-        if (!from || !isNodeField(*from))
+        if (!from || !isNodeField(*from) || (source.madeOnDemand(id) && from->valueIsDefault()))
             continue;
         Field* to = counterpart(source, id, copy);
         if (!to || to->dataType() != from->dataType())

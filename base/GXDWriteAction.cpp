@@ -89,10 +89,11 @@ bool GXDWriteAction::beginNode(Node& node)
     put(slotIndent);
     put("<Slot name=\"parent_NodeLink\" majorType=\"1\" isInSlot=\"true\"/>\n");
     for (unsigned id = 0, count = node.partCount(); id < count; ++id) {
-        Field* field = node.findField(id);
-        if (!field)
+        // Fields not made yet have their slots all the same: the descriptor tells them.
+        const Field* field = node.builtField(id);
+        if (!field && !node.madeOnDemand(id))
             break;
-        const NodePartDesc* desc = field->desc();
+        const NodePartDesc* desc = field ? field->desc() : node.type().part(id);
         if (!desc)
             continue;
         NodePartType type = desc->partType();

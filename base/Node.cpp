@@ -904,7 +904,7 @@ bool Node::equalFieldValues(const Node& other) const
         if (!mine || !theirs) {
             // A field not made yet holds its default.
             const auto id = static_cast<unsigned>(i);
-            const bool onDemand = madeOnDemand(id) && other.madeOnDemand(id);
+            const bool onDemand = madeOnDemand(id) || other.madeOnDemand(id);
             if (mine != theirs && !(onDemand && (mine ? mine : theirs)->valueIsDefault()))
                 return false;
             continue;
@@ -1004,41 +1004,45 @@ NodeLink* Node::addChild(Node* child, const char* fieldName, NameSpaceTransfer t
             target = nullptr;
     } else {
         // The first field that accepts the child, and the one whose allowed type is the child's
-        // closest ancestor: a field for any node counts as allowing the base type.
-        Field* first = nullptr;
-        Field* best = nullptr;
-        std::int32_t bestDistance = -1;
-        const NodeType& base = Node::classType();
-        forEachNodeField(*this, [&](Field& field) {
+        // closest ancestor: a field for any node counts as allowing the base type. A field not
+        // made yet counts by its descriptor, and is made when it is the one chosen.
+        constexpr unsigned none = ~0u;
+        unsigned           first = none, best = none;
+        std::int32_t       bestDistance = -1;
+        const NodeType&    base = Node::classType();
+        for (unsigned id = 0; id < partCount(); ++id) {
+            const Field*        built = builtField(id);
+            const NodePartDesc* desc = built ? built->desc() : madeOnDemand(id) ? _type->part(id) : nullptr;
+            const NodePartDataType dataType = built ? built->dataType() : desc ? desc->dataType() : SFBoolType;
+            if (dataType != SFNodeType && dataType != MFNodeType)
+                continue;
             // Pure input or output events (addChildren, removeChildren) hold no children.
-            if (field.desc() && (field.desc()->partType() == EventInPartType ||
-                                 field.desc()->partType() == EventOutPartType))
-                return;
-            NodeType* allowed = field.desc() ? field.desc()->nodeType() : nullptr;
-            std::int32_t distance = allowed ? field.desc()->allowedTypeDistance(child->type())
-                                            : child->type().isADistance(base);
+            if (desc && (desc->partType() == EventInPartType || desc->partType() == EventOutPartType))
+                continue;
+            NodeType* allowed = desc ? desc->nodeType() : nullptr;
+            std::int32_t distance = allowed ? desc->allowedTypeDistance(child->type()) : child->type().isADistance(base);
             if (distance < 0 && !allowed)
                 distance = 0x7fffffff;  // a tree of its own: any field takes it, last in line
             if (distance < 0)
-                return;
-            if (!first)
-                first = &field;
-            if (!best || distance < bestDistance) {
-                best = &field;
+                continue;
+            if (first == none)
+                first = id;
+            if (best == none || distance < bestDistance) {
+                best = id;
                 bestDistance = distance;
             }
-        });
-        if (!first) {
+        }
+        if (first == none) {
             ORV_WARNING("node type %s doesn't have _any_ field with the type %s\n", _type->name().c_str(),
                         child->type().name().c_str());
             return nullptr;
         }
-        target = first;
+        unsigned chosen = first;
         if (match == BestMatch && best != first) {
-            ORV_INFO("Remap bestMatch Field in addChild(): %d/%d\n", static_cast<int>(first->desc()->ID()),
-                     static_cast<int>(best->desc()->ID()));
-            target = best;
+            ORV_INFO("Remap bestMatch Field in addChild(): %d/%d\n", static_cast<int>(first), static_cast<int>(best));
+            chosen = best;
         }
+        target = findField(chosen);
     }
     if (!target) {
         ORV_WARNING("node type %s doesn't have _any_ field with the type %s\n", _type->name().c_str(),
@@ -1220,8 +1224,10 @@ Node* Node::clone(NodeNameSpace* nameSpace, const char* name) const
     }
     for (std::size_t i = 0; i < _parts.size() && i < copy->_parts.size(); ++i) {
         auto* from = static_cast<Field*>(_parts[i]);
-        Field* to = from ? copy->findField(static_cast<unsigned>(i)) : nullptr;
-        if (to)
+        const auto id = static_cast<unsigned>(i);
+        if (!from || (madeOnDemand(id) && from->valueIsDefault()))
+            continue;  // the copy's is at its default too, made or not
+        if (Field* to = copy->findField(id))
             to->setValueByField(0.0, *from);
     }
     for (std::size_t i = copy->_parts.size(); i < _parts.size(); ++i) {
@@ -1284,7 +1290,13 @@ void Node::dumpField(PartMask mask) const
 {
     ORV_PLOG("%s/%s/%s: FieldDump: \n", _nameSpace->name().c_str(), _type->name().c_str(), getIDStr().c_str());
     for (std::size_t i = 0; i < _parts.size(); ++i) {
-        Field* field = findField(static_cast<unsigned>(i));
+        Field* field = builtField(static_cast<unsigned>(i));
+        if (const NodePartDesc* desc = _type->part(static_cast<unsigned>(i)); !field && desc && madeOnDemand(static_cast<unsigned>(i))) {
+            if (mask.test(desc->mask()) || !desc->mask().any())
+                ORV_PLOG("  %zu: %s %s = %s\n", i, desc->dataTypeName().c_str(), desc->name().c_str(),
+                         desc->defaultValue().c_str());
+            continue;
+        }
         if (!field) {
             ORV_PLOG("  %zu: INVALID PART\n", i);
             continue;

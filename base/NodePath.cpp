@@ -27,9 +27,9 @@ NodePath::~NodePath() = default;
 NodePath::StepResult NodePath::follow(const Node& from, const Step& step, NodeLink*& link)
 {
     link = nullptr;
-    Field* field = step.fieldId < from.partCount() ? from.findField(step.fieldId) : nullptr;
-    if (!field)
-        return StepResult::NoField;
+    Field* field = from.builtField(step.fieldId);
+    if (!field)  // a field not made yet holds no node
+        return from.madeOnDemand(step.fieldId) ? StepResult::NoNode : StepResult::NoField;
     if (field->dataType() == MFNodeType) {
         auto& list = static_cast<MFNode&>(*field);
         if (list.size() <= step.childId)

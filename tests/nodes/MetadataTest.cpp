@@ -89,3 +89,14 @@ TEST_F(MetadataTest, TheProcessorReportsItsFieldsAndLoopsAreBroken)
     EXPECT_EQ(log.count("MetadataObjectProc::fieldChanged(name) not impl.\n"), 0);
     node->clearIsChanging(PartMask::bit(2));
 }
+
+TEST_F(MetadataTest, AChildOfMetadataTypeGoesIntoTheMetadataField)
+{
+    // The metadata field fits it before a list of any nodes, also while it is not made yet.
+    NodeType& group = scope.declare("Group", "Node", {{"children", ExposedFieldPartType, MFNodeType}});
+    scope.initAll();
+    SmartPtr<Node> holder(group.createNode(&scope.nodes(), "G"));
+    ASSERT_EQ(holder->builtField(1), nullptr);
+    ASSERT_NE(holder->addChild(node.get()), nullptr);
+    EXPECT_EQ(holder->metadata()->node(), node.get());
+}
