@@ -12,6 +12,7 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <list>
@@ -59,7 +60,7 @@ std::string_view text(const pugi::xml_attribute& a)
 class Walker {
 public:
     Walker(SceneBuilder& builder, std::string& buffer)
-        : _builder(builder), _buffer(buffer), _pieces(buffer, XMLReader::PieceBytes)
+        : _builder(builder), _buffer(buffer), _pieces(buffer, XMLReader::pieceBytes())
     {
     }
     bool read();
@@ -613,6 +614,20 @@ void Walker::place(Frame& parent, Node& child, const pugi::xml_node& e)
 }
 
 } // namespace
+
+namespace {
+std::atomic<std::size_t> thePieceBytes{64 * 1024};
+} // namespace
+
+std::size_t XMLReader::pieceBytes()
+{
+    return thePieceBytes.load(std::memory_order_relaxed);
+}
+
+void XMLReader::setPieceBytes(std::size_t bytes)
+{
+    thePieceBytes.store(bytes ? bytes : 1, std::memory_order_relaxed);
+}
 
 XMLReader::XMLReader(SceneBuilder& builder) : _builder(builder) {}
 

@@ -171,7 +171,7 @@ std::string manyPieces(const char* doctype, const char* first = "")
 {
     std::string document = std::string("<?xml version='1.0'?>") + doctype + "\n<X3D version='4.0'><Scene>\n" + first;
     int         group = 0;
-    while (document.size() < 5 * XMLReader::PieceBytes) {
+    while (document.size() < 5 * XMLReader::pieceBytes()) {
         const std::string n = std::to_string(group++);
         document += "<Transform DEF='T" + n + "' translation='" + n + " 0 0'><!-- </Transform> -->\n"
                     "  <WorldInfo title='a > b /> c' info='\"x<y\"'/><Shape><Box size='1 2 3'/></Shape>"
@@ -186,7 +186,9 @@ std::string manyPieces(const char* doctype, const char* first = "")
 
 TEST(XMLReader, ALargeSceneReadInPiecesIsTheSceneReadWhole)
 {
-    LogCapture log;
+    LogCapture        log;
+    const std::size_t pieceBytes = XMLReader::pieceBytes();
+    XMLReader::setPieceBytes(4096);
     // An internal DOCTYPE subset makes the reader parse the document whole.
     LoadedScene pieces = SceneLoader::loadData(manyPieces(""), "pieces.x3d");
     LoadedScene whole = SceneLoader::loadData(manyPieces("<!DOCTYPE X3D [ ]>"), "whole.x3d");
@@ -206,6 +208,7 @@ TEST(XMLReader, ALargeSceneReadInPiecesIsTheSceneReadWhole)
     ASSERT_FALSE(faulty.errors.empty());
     EXPECT_EQ(faults(faulty).front(), Fault(3, 12, "malformed XML: Error parsing element attribute"));
     EXPECT_NE(named(faulty, "Last"), nullptr);
+    XMLReader::setPieceBytes(pieceBytes);
 }
 
 // --- hostile documents: nothing is expanded, fetched or recursed into beyond the limit ---
