@@ -3,9 +3,11 @@
 // and files of 10,000, 100,000 and 1,000,000 `Transform { Shape { Appearance { Material } Box } }`
 // groups, in MB/s and microseconds per group. The same scenes as X3D XML (".x3d") read by the XML
 // reader, beside pugixml's bare parse of the same bytes (with a walk over every attribute) and the
-// classic reader on the same scene as X3D classic text (".x3dv").
+// classic reader on the same scene as X3D classic text (".x3dv"). Beside the cases in fresh
+// memory, the cost of their node blocks fresh from the system, written once and nothing else.
 #include "base/Log.h"
 #include "base/NodeBlockPool.h"
+#include "bench/FreshPages.h"
 #include "modules/loader/SceneLoader.h"
 
 #include <benchmark/benchmark.h>
@@ -257,6 +259,20 @@ void xmlGroupsClassic(benchmark::State& state)
     perGroup(state, groups);
 }
 
+// The node blocks of the groups, fresh from the system: the floor of the cold group cases.
+void groupsFreshPages(benchmark::State& state)
+{
+    quiet();
+    const int         groups = static_cast<int>(state.range(0));
+    const std::size_t before = NodeBlockPool::bytesInUse();
+    LoadedScene       sample = SceneLoader::loadData(groupsFile(1000), "groups.wrl");
+    const std::size_t perGroupBytes = (NodeBlockPool::bytesInUse() - before) / 1000;
+    sample = LoadedScene();
+    for (auto _ : state)
+        Bench::touchFreshPages(perGroupBytes * static_cast<std::size_t>(groups));
+    perGroup(state, groups);
+}
+
 } // namespace
 
 BENCHMARK(pointsReader)->Name("coordinate_1m_points/orvane")->Unit(benchmark::kMillisecond);
@@ -269,6 +285,9 @@ BENCHMARK_CAPTURE(groupsReader, cold, Memory::Cold)->Name("transform_groups_cold
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(groupsReader, cold, Memory::Cold)->Name("transform_groups_cold/orvane")->Arg(1000000)
     ->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(groupsFreshPages)->Name("transform_groups_cold/fresh_pages")->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(groupsFreshPages)->Name("transform_groups_cold/fresh_pages")->Arg(1000000)->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 BENCHMARK(xmlPointsReader)->Name("x3d_coordinate_1m_points/orvane")->Unit(benchmark::kMillisecond);
 BENCHMARK(xmlPointsBareParse)->Name("x3d_coordinate_1m_points/pugixml_parse")->Unit(benchmark::kMillisecond);
@@ -287,5 +306,9 @@ BENCHMARK_CAPTURE(xmlGroupsReader, cold, Memory::Cold)->Name("x3d_transform_grou
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(xmlGroupsReader, cold, Memory::Cold)->Name("x3d_transform_groups_cold/orvane")->Arg(1000000)
     ->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(groupsFreshPages)->Name("x3d_transform_groups_cold/fresh_pages")->Arg(10000)->Arg(100000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(groupsFreshPages)->Name("x3d_transform_groups_cold/fresh_pages")->Arg(1000000)->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 BENCHMARK_MAIN();

@@ -2,7 +2,8 @@
 // NodeType::createNode and released again, at 10,000, 100,000 and 1,000,000 nodes, beside a plain
 // struct with the same ten members made with new and delete. Heap bytes and allocations per node
 // are measured by this program's own operator new/delete, which count the bytes that are live and
-// the calls made, and by the node block pool's own counts.
+// the calls made, and by the node block pool's own counts. Beside the cases in fresh memory, the
+// cost of the same bytes fresh from the system, written once and nothing else.
 #include "base/Color3f.h"
 #include "base/MathTypes.h"
 #include "base/Node.h"
@@ -12,6 +13,7 @@
 #include "base/NodeType.h"
 #include "base/NodeTypeNameSpace.h"
 #include "base/SmartPtr.h"
+#include "bench/FreshPages.h"
 
 #include <benchmark/benchmark.h>
 
@@ -167,6 +169,20 @@ void createReleasePlain(benchmark::State& state, int count)
     measure<PlainNode>(state, count, [] { return new PlainNode; }, [](PlainNode* node) { delete node; });
 }
 
+// The node blocks of `count` nodes, fresh from the system: the floor of the cold cases.
+void freshPages(benchmark::State& state, int count)
+{
+    BenchType&        bt = benchType();
+    const std::size_t before = NodeBlockPool::bytesInUse();
+    SmartPtr<Node>    node(bt.type.createNode(bt.nameSpace.get()));
+    const std::size_t blockBytes = NodeBlockPool::bytesInUse() - before;
+    node = nullptr;
+    for (auto _ : state)
+        Bench::touchFreshPages(blockBytes * static_cast<std::size_t>(count));
+    state.counters["time_per_node"] =
+        benchmark::Counter(count, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
 } // namespace
 
 BENCHMARK_CAPTURE(createRelease, n10k, 10'000, Memory::Warm)->Name("create_release_10k/orvane")->Unit(benchmark::kMillisecond);
@@ -176,7 +192,10 @@ BENCHMARK_CAPTURE(createReleasePlain, n100k, 100'000)->Name("create_release_100k
 BENCHMARK_CAPTURE(createRelease, n1m, 1'000'000, Memory::Warm)->Name("create_release_1m/orvane")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(createReleasePlain, n1m, 1'000'000)->Name("create_release_1m/plain_struct")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(createRelease, cold10k, 10'000, Memory::Cold)->Name("create_release_cold_10k/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(freshPages, n10k, 10'000)->Name("create_release_cold_10k/fresh_pages")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(createRelease, cold100k, 100'000, Memory::Cold)->Name("create_release_cold_100k/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(freshPages, n100k, 100'000)->Name("create_release_cold_100k/fresh_pages")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(createRelease, cold1m, 1'000'000, Memory::Cold)->Name("create_release_cold_1m/orvane")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(freshPages, n1m, 1'000'000)->Name("create_release_cold_1m/fresh_pages")->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();
