@@ -87,14 +87,13 @@ void CopyAction::copyValues(Node& source, Node& copy)
 {
     const unsigned typeParts = source.type().partCount();
     for (unsigned id = 0; id < source.partCount(); ++id) {
-        // A field the source has not made yet holds its default, as the copy's does.
-        Field* from = source.builtField(id);
+        // A field the source has not made, or made at its default, is at its default in the copy.
+        Field* from = source.fieldWithValue(id);
         if (!from)
             continue;
         Field* to;
         if (id < typeParts) {
-            // Nor does one made at its default need making in the copy.
-            if (isNodeField(*from) || (source.madeOnDemand(id) && from->valueIsDefault()))
+            if (isNodeField(*from))
                 continue;
             to = copy.findField(id);
         } else {
@@ -212,8 +211,8 @@ void CopyAction::pushChildren(Node& source, Node& copy)
         NodePartDesc* desc = id < typeParts ? source.type().part(id) : nullptr;
         if (desc && !desc->isNodeField())
             continue;
-        Field* from = source.builtField(id);
-        if (!from || !isNodeField(*from) || (source.madeOnDemand(id) && from->valueIsDefault()))
+        Field* from = source.fieldWithValue(id);
+        if (!from || !isNodeField(*from))
             continue;
         Field* to = counterpart(source, id, copy);
         if (!to || to->dataType() != from->dataType())

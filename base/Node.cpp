@@ -643,6 +643,12 @@ Field* Node::builtField(unsigned id) const
     return id < _parts.size() ? static_cast<Field*>(_parts[id]) : nullptr;
 }
 
+Field* Node::fieldWithValue(unsigned id) const
+{
+    Field* field = builtField(id);
+    return field && madeOnDemand(id) && field->valueIsDefault() ? nullptr : field;
+}
+
 Field* Node::findField(unsigned id) const
 {
     if (id >= _parts.size())
@@ -1013,7 +1019,9 @@ NodeLink* Node::addChild(Node* child, const char* fieldName, NameSpaceTransfer t
         for (unsigned id = 0; id < partCount(); ++id) {
             const Field*        built = builtField(id);
             const NodePartDesc* desc = built ? built->desc() : madeOnDemand(id) ? _type->part(id) : nullptr;
-            const NodePartDataType dataType = built ? built->dataType() : desc ? desc->dataType() : SFBoolType;
+            if (!built && !desc)
+                continue;
+            const NodePartDataType dataType = built ? built->dataType() : desc->dataType();
             if (dataType != SFNodeType && dataType != MFNodeType)
                 continue;
             // Pure input or output events (addChildren, removeChildren) hold no children.
@@ -1223,9 +1231,9 @@ Node* Node::clone(NodeNameSpace* nameSpace, const char* name) const
         return nullptr;
     }
     for (std::size_t i = 0; i < _parts.size() && i < copy->_parts.size(); ++i) {
-        auto* from = static_cast<Field*>(_parts[i]);
         const auto id = static_cast<unsigned>(i);
-        if (!from || (madeOnDemand(id) && from->valueIsDefault()))
+        Field*     from = fieldWithValue(id);
+        if (!from)
             continue;  // the copy's is at its default too, made or not
         if (Field* to = copy->findField(id))
             to->setValueByField(0.0, *from);

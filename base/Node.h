@@ -131,6 +131,9 @@ public:
     unsigned      partCount() const { return static_cast<unsigned>(_parts.size()); }
     NodePart*     part(unsigned id) const { return id < _parts.size() ? _parts[id] : nullptr; }
     Field*        builtField(unsigned id) const;
+    // builtField, but null too for a field made on demand that holds its default: the fields
+    // whose values a copy must carry over.
+    Field*        fieldWithValue(unsigned id) const;
     // True for a part whose field the node makes on first use, made yet or not.
     bool          madeOnDemand(unsigned id) const { return _parts.layout() && _parts.layout()->madeOnDemand(id); }
     Field*        findField(unsigned id) const;

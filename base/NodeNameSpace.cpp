@@ -13,8 +13,8 @@
 #include "base/Subject.h"
 
 #include <algorithm>
-#include <utility>
 #include <atomic>
+#include <utility>
 
 namespace Orvane {
 

@@ -119,7 +119,9 @@ private:
     void  route(const pugi::xml_node& e);
     void  externProto(const pugi::xml_node& e);
     // Parses the document, or, when it has an outline, the document without its Scene's content.
-    pugi::xml_parse_result parse(pugi::xml_document& doc);
+    void  parse(pugi::xml_document& doc);
+    // Reports what the parser refused in the text parsed from `begin` on.
+    void  malformed(const char* begin, const pugi::xml_parse_result& parsed);
     // Parses the next piece of the Scene's content into `_piece`; false when none is left.
     bool  nextPiece();
 
@@ -192,11 +194,8 @@ bool Walker::read()
          (p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)))); ++p)
         _newlines.push_back(static_cast<std::uint32_t>(p - _buffer.data()));
 
-    pugi::xml_document     doc;
-    pugi::xml_parse_result parsed = parse(doc);
-    if (!parsed)  // what was parsed before the fault is read all the same
-        _builder.error(place(parsed.offset + (_outline.empty() ? _buffer.data() : _outline.data())),
-                       std::string("malformed XML: ") + parsed.description());
+    pugi::xml_document doc;
+    parse(doc);
     for (pugi::xml_node n = doc.first_child(); n; n = n.next_sibling())
         if (n.type() == pugi::node_doctype && std::strstr(n.value(), "<!ENTITY"))
             _builder.error(place(n.value()), "the DOCTYPE declares entities; they are not expanded");
@@ -258,15 +257,23 @@ bool Walker::read()
 constexpr unsigned parseOptions = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute |
                                   pugi::parse_eol | pugi::parse_doctype;
 
-pugi::xml_parse_result Walker::parse(pugi::xml_document& doc)
+void Walker::malformed(const char* begin, const pugi::xml_parse_result& parsed)
 {
-    if (!_pieces.found)
-        return doc.load_buffer_inplace(_buffer.data(), _buffer.size(), parseOptions, pugi::encoding_utf8);
-    _outline.reserve(_buffer.size() - (_pieces.contentEnd - _pieces.contentBegin));
-    _outline.assign(_buffer, 0, _pieces.contentBegin);
-    _outline.append(_buffer, _pieces.contentEnd);
-    _sceneName = _outline.data() + _pieces.sceneName;
-    return doc.load_buffer_inplace(_outline.data(), _outline.size(), parseOptions, pugi::encoding_utf8);
+    // What was parsed before the fault is read all the same.
+    if (!parsed)
+        _builder.error(place(begin + parsed.offset), std::string("malformed XML: ") + parsed.description());
+}
+
+void Walker::parse(pugi::xml_document& doc)
+{
+    std::string& text = _pieces.found ? _outline : _buffer;
+    if (_pieces.found) {
+        _outline.reserve(_buffer.size() - (_pieces.contentEnd - _pieces.contentBegin));
+        _outline.assign(_buffer, 0, _pieces.contentBegin);
+        _outline.append(_buffer, _pieces.contentEnd);
+        _sceneName = _outline.data() + _pieces.sceneName;
+    }
+    malformed(text.data(), doc.load_buffer_inplace(text.data(), text.size(), parseOptions, pugi::encoding_utf8));
 }
 
 bool Walker::nextPiece()
@@ -276,10 +283,9 @@ bool Walker::nextPiece()
     const std::size_t begin = _nextPiece ? _pieces.cuts[_nextPiece - 1] : _pieces.contentBegin;
     const std::size_t end = _pieces.cuts[_nextPiece++];
     // Parsing anew gives the last piece's memory back to the parser for this one.
-    pugi::xml_parse_result parsed = _piece.load_buffer_inplace(_buffer.data() + begin, end - begin,
-                                                               parseOptions | pugi::parse_fragment, pugi::encoding_utf8);
-    if (!parsed)
-        _builder.error(place(_buffer.data() + begin + parsed.offset), std::string("malformed XML: ") + parsed.description());
+    char* text = _buffer.data() + begin;
+    malformed(text, _piece.load_buffer_inplace(text, end - begin, parseOptions | pugi::parse_fragment,
+                                               pugi::encoding_utf8));
     return true;
 }
 
